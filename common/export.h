@@ -1,0 +1,13 @@
+#pragma once
+
+/// Marks what the library exports: one macro per class or free function.
+/// Building the library defines KRCOMMON_BUILDING; everybody else imports.
+#if defined(_WIN32)
+#if defined(KRCOMMON_BUILDING)
+#define KRCOMMON_API __declspec(dllexport)
+#else
+#define KRCOMMON_API __declspec(dllimport)
+#endif
+#else
+#define KRCOMMON_API __attribute__((visibility("default")))
+#endif
