@@ -1,0 +1,65 @@
+#include "common/platform/interrupt.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <ctime>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace pwr::platform {
+namespace {
+
+constexpr int kAbortExitCode = 130;
+constexpr std::uint64_t kNanosecondsPerSecond = 1000000000;
+
+std::atomic<unsigned> g_interrupts{0};
+// A byte in the pipe outlives the handler, so a signal between the check and the sleep is not lost.
+std::atomic<int> g_wakeWriteEnd{-1};
+int g_wakeReadEnd = -1;
+
+extern "C" void onInterrupt(int /*signal*/) {
+    const int savedErrno = errno;
+    if (g_interrupts.fetch_add(1) > 0) {
+        _exit(kAbortExitCode);
+    }
+    const char byte = 1;
+    if (write(g_wakeWriteEnd.load(), &byte, 1) < 0) {
+        // A full pipe wakes the reader just as well.
+    }
+    errno = savedErrno;
+}
+
+} // namespace
+
+int installInterruptHandler() {
+    int ends[2] = {-1, -1};
+    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) {
+        return 1;
+    }
+    g_wakeReadEnd = ends[0];
+    g_wakeWriteEnd = ends[1];
+    struct sigaction action {};
+    action.sa_handler = onInterrupt;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    return sigaction(SIGINT, &action, nullptr) == 0 && sigaction(SIGTERM, &action, nullptr) == 0 ? 0 : 1;
+}
+
+unsigned interruptCount() { return g_interrupts.load(); }
+
+bool waitForInterrupt(std::uint64_t nanoseconds) {
+    if (interruptCount() > 0) {
+        return true;
+    }
+    timespec wait{};
+    wait.tv_sec = static_cast<time_t>(nanoseconds / kNanosecondsPerSecond);
+    wait.tv_nsec = static_cast<long>(nanoseconds % kNanosecondsPerSecond);
+    pollfd end{g_wakeReadEnd, POLLIN, 0};
+    const nfds_t ends = g_wakeReadEnd < 0 ? 0 : 1;
+    ppoll(&end, ends, &wait, nullptr);
+    return interruptCount() > 0;
+}
+
+} // namespace pwr::platform

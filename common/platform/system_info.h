@@ -1,0 +1,45 @@
+#pragma once
+
+#include "common/export.h"
+#include "common/pw_types.h"
+
+#include <string>
+#include <vector>
+
+namespace pwr::platform {
+
+/// Where a logical processor sits, as the operating system reports it; -1 where it does not say.
+struct LogicalProcessor {
+    int thread = -1; ///< the system's number of the logical processor
+    int package = -1;
+    int core = -1; ///< unique within its package
+    int module = -1;
+    int die = -1;
+};
+
+/// The logical processors that the system's own call reports, in ascending thread order.
+/// Empty on systems that describe their topology in files instead.
+KRCOMMON_API std::vector<LogicalProcessor> logicalProcessors();
+
+/// What the processor says of itself.
+struct ProcessorIdentity {
+    unsigned family = 0;
+    unsigned model = 0;
+    unsigned stepping = 0;
+    std::string brand;
+};
+
+/// Reads the processor's identification instruction; all zero where there is none.
+KRCOMMON_API ProcessorIdentity processorIdentity();
+
+/// The operating system that the program runs on.
+struct OperatingSystem {
+    std::string hostName;
+    std::string name;    ///< for example "Linux"
+    std::string type;    ///< machine type, for example "x86_64"
+    std::string version; ///< kernel release or build number
+};
+
+KRCOMMON_API OperatingSystem operatingSystem();
+
+} // namespace pwr::platform

@@ -1,0 +1,49 @@
+#include "common/platform/interrupt.h"
+
+#include "common/platform/win32/wide_text.h"
+
+#include <atomic>
+#include <cstdlib>
+
+namespace pwr::platform {
+namespace {
+
+constexpr unsigned kAbortExitCode = 130;
+constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
+constexpr std::uint64_t kLongestWaitMilliseconds = 0x7FFFFFFF;
+
+std::atomic<unsigned> g_interrupts{0};
+std::atomic<HANDLE> g_wakeEvent{nullptr};
+
+BOOL WINAPI onConsoleEvent(DWORD /*event*/) {
+    if (g_interrupts.fetch_add(1) > 0) {
+        TerminateProcess(GetCurrentProcess(), kAbortExitCode);
+    }
+    SetEvent(g_wakeEvent.load());
+    return TRUE;
+}
+
+} // namespace
+
+int installInterruptHandler() {
+    g_wakeEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    return g_wakeEvent.load() != nullptr && SetConsoleCtrlHandler(onConsoleEvent, TRUE) != 0 ? 0 : 1;
+}
+
+unsigned interruptCount() { return g_interrupts.load(); }
+
+bool waitForInterrupt(std::uint64_t nanoseconds) {
+    if (interruptCount() > 0) {
+        return true;
+    }
+    std::uint64_t milliseconds = (nanoseconds + kNanosecondsPerMillisecond / 2) / kNanosecondsPerMillisecond;
+    milliseconds = milliseconds < kLongestWaitMilliseconds ? milliseconds : kLongestWaitMilliseconds;
+    if (g_wakeEvent.load() == nullptr) {
+        Sleep(static_cast<DWORD>(milliseconds));
+    } else {
+        WaitForSingleObject(g_wakeEvent.load(), static_cast<DWORD>(milliseconds));
+    }
+    return interruptCount() > 0;
+}
+
+} // namespace pwr::platform
