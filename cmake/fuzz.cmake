@@ -1,0 +1,13 @@
+# Each fuzz/NAME_fuzz.cpp is the fuzz target fuzz_NAME; its seeds, if any, are the files in fuzz/corpus/NAME.
+if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "Fuzz targets need clang: use the preset fuzz")
+endif()
+file(GLOB fuzz_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/fuzz/*_fuzz.cpp)
+foreach(source ${fuzz_sources})
+    cmake_path(GET source STEM stem)
+    string(REGEX REPLACE "_fuzz$" "" name ${stem})
+    add_executable(fuzz_${name} ${source})
+    krcommon_own_code(fuzz_${name})
+    target_link_libraries(fuzz_${name} PRIVATE KRCommon)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+endforeach()

@@ -1,0 +1,7 @@
+krcommon_sources(sources tarnwell)
+if(sources)
+    add_executable(tarnwell ${sources})
+    krcommon_own_code(tarnwell)
+    target_compile_definitions(tarnwell PRIVATE TARNWELL_VERSION="${PROJECT_VERSION}")
+    target_link_libraries(tarnwell PRIVATE KRCommon krcommon_cli Threads::Threads)
+endif()

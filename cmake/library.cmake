@@ -1,0 +1,13 @@
+krcommon_sources(sources common)
+add_library(KRCommon SHARED ${sources})
+add_library(KRCommon::KRCommon ALIAS KRCommon)
+krcommon_own_code(KRCommon)
+
+target_compile_features(KRCommon PUBLIC cxx_std_20)
+target_compile_definitions(KRCommon PRIVATE KRCOMMON_BUILDING)
+target_include_directories(KRCommon PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+                                           $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(KRCommon PRIVATE Threads::Threads ${CMAKE_DL_LIBS})
+
+# The same file name on every system, whatever prefix its tools prefer.
+set_target_properties(KRCommon PROPERTIES PREFIX lib VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
