@@ -29,6 +29,9 @@ public:
     /// Hands on the user's wish to stop. On Windows the console has already told the command.
     void interrupt();
 
+    /// What the system can wait for: the process handle on Windows, null elsewhere.
+    void* systemHandle() const;
+
 private:
     struct State;
     explicit ChildProcess(std::unique_ptr<State> state);

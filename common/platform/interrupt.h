@@ -6,15 +6,18 @@
 
 namespace pwr::platform {
 
+class ChildProcess;
+
 /// Counts the user's requests to stop: Ctrl-C and the system's polite termination.
-/// The first one is counted and wakes waitForInterrupt; the second one ends the process at once with exit code 130,
+/// The first one is counted and wakes waitForEvent; the second one ends the process at once with exit code 130,
 /// so that a program that hangs in its clean-up can still be left.
 KRCOMMON_API int installInterruptHandler();
 
 /// How often the user has asked to stop since the handler was installed.
 KRCOMMON_API unsigned interruptCount();
 
-/// Sleeps for at most @p nanoseconds; returns early, with true, as soon as an interrupt has been counted.
-KRCOMMON_API bool waitForInterrupt(std::uint64_t nanoseconds);
+/// Sleeps for at most @p nanoseconds; returns early when an interrupt has been counted or when
+/// @p child (may be null) has ended. It may also return early for no reason: look at the clock.
+KRCOMMON_API void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child);
 
 } // namespace pwr::platform

@@ -19,6 +19,7 @@ int exitCodeOf(int status) {
 [[noreturn]] void becomeCommand(const std::vector<char*>& arguments, int errorPipe) {
     signal(SIGINT, SIG_DFL);
     signal(SIGTERM, SIG_DFL);
+    signal(SIGCHLD, SIG_DFL);
     execvp(arguments[0], arguments.data());
     const int error = errno;
     if (write(errorPipe, &error, sizeof error) < 0) {
@@ -107,5 +108,7 @@ void ChildProcess::interrupt() {
         kill(m_state->pid, SIGINT);
     }
 }
+
+void* ChildProcess::systemHandle() const { return nullptr; }
 
 } // namespace pwr::platform

@@ -1,5 +1,7 @@
 #include "common/platform/interrupt.h"
 
+#include "common/platform/child_process.h"
+
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -19,9 +21,9 @@ std::atomic<unsigned> g_interrupts{0};
 std::atomic<int> g_wakeWriteEnd{-1};
 int g_wakeReadEnd = -1;
 
-extern "C" void onInterrupt(int /*signal*/) {
+extern "C" void onSignal(int signal) {
     const int savedErrno = errno;
-    if (g_interrupts.fetch_add(1) > 0) {
+    if (signal != SIGCHLD && g_interrupts.fetch_add(1) > 0) {
         _exit(kAbortExitCode);
     }
     const char byte = 1;
@@ -41,25 +43,33 @@ int installInterruptHandler() {
     g_wakeReadEnd = ends[0];
     g_wakeWriteEnd = ends[1];
     struct sigaction action {};
-    action.sa_handler = onInterrupt;
+    action.sa_handler = onSignal;
     sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    return sigaction(SIGINT, &action, nullptr) == 0 && sigaction(SIGTERM, &action, nullptr) == 0 ? 0 : 1;
+    action.sa_flags = SA_RESTART | SA_NOCLDSTOP;
+    int result = 0;
+    for (const int signal : {SIGINT, SIGTERM, SIGCHLD}) {
+        result |= sigaction(signal, &action, nullptr) == 0 ? 0 : 1;
+    }
+    return result;
 }
 
 unsigned interruptCount() { return g_interrupts.load(); }
 
-bool waitForInterrupt(std::uint64_t nanoseconds) {
-    if (interruptCount() > 0) {
-        return true;
+void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {
+    if (interruptCount() > 0 || (child != nullptr && child->hasEnded())) {
+        return;
     }
     timespec wait{};
     wait.tv_sec = static_cast<time_t>(nanoseconds / kNanosecondsPerSecond);
     wait.tv_nsec = static_cast<long>(nanoseconds % kNanosecondsPerSecond);
     pollfd end{g_wakeReadEnd, POLLIN, 0};
     const nfds_t ends = g_wakeReadEnd < 0 ? 0 : 1;
-    ppoll(&end, ends, &wait, nullptr);
-    return interruptCount() > 0;
+    if (ppoll(&end, ends, &wait, nullptr) > 0) {
+        // A child's end must not keep waking the later waits.
+        char bytes[64];
+        while (read(g_wakeReadEnd, bytes, sizeof bytes) > 0) {
+        }
+    }
 }
 
 } // namespace pwr::platform

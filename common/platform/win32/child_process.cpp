@@ -76,4 +76,6 @@ int ChildProcess::wait() {
 
 void ChildProcess::interrupt() {}
 
+void* ChildProcess::systemHandle() const { return m_state->process; }
+
 } // namespace pwr::platform

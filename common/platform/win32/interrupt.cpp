@@ -1,5 +1,6 @@
 #include "common/platform/interrupt.h"
 
+#include "common/platform/child_process.h"
 #include "common/platform/win32/wide_text.h"
 
 #include <atomic>
@@ -32,18 +33,25 @@ int installInterruptHandler() {
 
 unsigned interruptCount() { return g_interrupts.load(); }
 
-bool waitForInterrupt(std::uint64_t nanoseconds) {
+void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {
     if (interruptCount() > 0) {
-        return true;
+        return;
     }
     std::uint64_t milliseconds = (nanoseconds + kNanosecondsPerMillisecond / 2) / kNanosecondsPerMillisecond;
     milliseconds = milliseconds < kLongestWaitMilliseconds ? milliseconds : kLongestWaitMilliseconds;
-    if (g_wakeEvent.load() == nullptr) {
+    HANDLE handles[2] = {};
+    DWORD count = 0;
+    if (g_wakeEvent.load() != nullptr) {
+        handles[count++] = g_wakeEvent.load();
+    }
+    if (child != nullptr) {
+        handles[count++] = child->systemHandle();
+    }
+    if (count == 0) {
         Sleep(static_cast<DWORD>(milliseconds));
     } else {
-        WaitForSingleObject(g_wakeEvent.load(), static_cast<DWORD>(milliseconds));
+        WaitForMultipleObjects(count, handles, FALSE, static_cast<DWORD>(milliseconds));
     }
-    return interruptCount() > 0;
 }
 
 } // namespace pwr::platform

@@ -1,0 +1,158 @@
+#include "tarnwell/settings.h"
+
+#include "tarnwell/exit_code.h"
+#include "tarnwell/version.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <sstream>
+
+namespace tarnwell {
+namespace {
+
+// The saved interval has 16 bits; below a millisecond the reads would cost more than they show.
+constexpr std::uint32_t kShortestIntervalMs = 1;
+constexpr std::uint32_t kLongestIntervalMs = 60000;
+constexpr double kShortestSeconds = 0.001;
+constexpr double kLongestSeconds = 366.0 * 24 * 3600;
+
+constexpr const char* kDescription =
+    "Collects power, performance and thermal counters of this machine and prints summary tables.\n"
+    "Collects for --time seconds, until Ctrl-C, or while COMMAND runs.";
+
+constexpr const char* kFooter = "Commands:\n"
+                                "  tarnwell doctor             say what this machine offers, and why not the rest\n"
+                                "  tarnwell --feature          the same\n"
+                                "  tarnwell [options] -- CMD   collect while CMD runs\n"
+                                "\n"
+                                "Exit codes: 0 done, 1 failed, 2 usage, 3 partial (something asked for is missing),\n"
+                                "127 COMMAND could not be started; a non-zero code of COMMAND wins.";
+
+struct RawOptions {
+    std::string interval;
+    std::string time;
+};
+
+/// "--feature" with nothing behind it asks for the list; the option parser would call it an error.
+bool isFeatureQuestion(const std::vector<std::string>& arguments) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const bool valueFollows = i + 1 < arguments.size() && arguments[i + 1].rfind('-', 0) != 0;
+        if (arguments[i] == "--feature" && !valueFollows) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string rangeError(const char* option, const std::string& value, const std::string& expected) {
+    return "tarnwell: " + std::string(option) + " " + value + ": give " + expected + "\n";
+}
+
+/// Empty on success, else what is wrong.
+std::string readInterval(const std::string& text, std::uint32_t& out) {
+    std::uint32_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    const bool whole = error == std::errc() && end == text.data() + text.size();
+    if (!whole || value < kShortestIntervalMs || value > kLongestIntervalMs) {
+        return rangeError("--interval", text, "a whole number of milliseconds from 1 to 60000");
+    }
+    out = value;
+    return {};
+}
+
+std::string readSeconds(const std::string& text, std::optional<double>& out) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    const bool whole = error == std::errc() && end == text.data() + text.size() && std::isfinite(value);
+    if (!whole || value < kShortestSeconds || value > kLongestSeconds) {
+        return rangeError("--time", text, "a number of seconds from 0.001 to 31622400 (366 days)");
+    }
+    out = value;
+    return {};
+}
+
+void declareOptions(CLI::App& app, Settings& settings, RawOptions& raw) {
+    app.description(kDescription);
+    app.footer(kFooter);
+    app.set_version_flag("--version", std::string("tarnwell ") + kVersion);
+    app.add_option("--feature", settings.features, "collect this feature only; repeat for more; without NAME: list")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    app.add_option("--interval", raw.interval, "milliseconds between samples (1 to 60000; default 100)")->type_name("MS");
+    app.add_option("--time", raw.time, "seconds to collect; with a command: at most so long")->type_name("S");
+    app.add_option("--output", settings.outputPrefix, "also write PREFIX.txt and one PREFIX_*.csv for each table")
+        ->type_name("PREFIX");
+    app.add_option("--output-config", settings.outputConfig, "output configuration instead of the shipped files")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+    app.add_option("--machine", settings.machine, "read the machine from this root folder or captured bundle")
+        ->type_name("PLACE");
+    app.add_flag("--quiet", settings.quiet, "no progress line");
+}
+
+std::string checkedValues(const RawOptions& raw, Settings& settings) {
+    std::string error;
+    if (!raw.interval.empty()) {
+        error = readInterval(raw.interval, settings.intervalMs);
+    }
+    if (error.empty() && !raw.time.empty()) {
+        error = readSeconds(raw.time, settings.seconds);
+    }
+    return error;
+}
+
+} // namespace
+
+ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
+    ParsedCommandLine parsed;
+    Settings settings;
+    RawOptions raw;
+    const auto separator = std::find(arguments.begin(), arguments.end(), "--");
+    std::vector<std::string> own(arguments.begin(), separator);
+    if (separator != arguments.end()) {
+        settings.command.assign(separator + 1, arguments.end());
+    }
+
+    CLI::App app("", "tarnwell");
+    declareOptions(app, settings, raw);
+    CLI::App* doctor = app.add_subcommand("doctor", "say what this machine offers and, for what it does not, why");
+    doctor->add_option("--capture", settings.captureFile, "also write a bundle of the machine for tests and bug reports")
+        ->type_name("FILE");
+    doctor->add_option("--machine", settings.machine, "look at this root folder or captured bundle")->type_name("PLACE");
+
+    const bool question = isFeatureQuestion(own);
+    if (question) {
+        own.erase(std::remove(own.begin(), own.end(), "--feature"), own.end());
+    }
+    try {
+        std::vector<std::string> reversed(own.rbegin(), own.rend());
+        app.parse(reversed);
+    } catch (const CLI::ParseError& error) {
+        std::ostringstream out;
+        std::ostringstream err;
+        const int code = app.exit(error, out, err);
+        parsed.output = out.str();
+        parsed.error = err.str().empty() ? std::string() : "tarnwell: " + err.str();
+        parsed.exitCode = code == 0 ? 0 : toInt(ExitCode::USAGE);
+        return parsed;
+    }
+
+    parsed.error = checkedValues(raw, settings);
+    if (parsed.error.empty() && separator != arguments.end() && settings.command.empty()) {
+        parsed.error = "tarnwell: no command behind --\n";
+    }
+    if (!parsed.error.empty()) {
+        parsed.exitCode = toInt(ExitCode::USAGE);
+        return parsed;
+    }
+    if (question || doctor->parsed()) {
+        settings.action = Settings::Action::DOCTOR;
+    }
+    parsed.settings = std::move(settings);
+    return parsed;
+}
+
+} // namespace tarnwell
