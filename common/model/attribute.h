@@ -16,36 +16,28 @@ class Quantity;
 /// Describes a property that entities or samples can have, with the type of its values.
 /// The quantity (null when the values measure nothing) is not owned.
 class KRCOMMON_API AttributeDescription : public Description {
-  public:
+public:
     AttributeDescription(const std::string& name, const std::string& shortName, DataType dataType,
                          const Quantity* quantity = nullptr);
 
-    [[nodiscard]] DataType getDataType() const noexcept {
-        return m_dataType;
-    }
-    [[nodiscard]] const Quantity* getQuantity() const noexcept {
-        return m_quantity;
-    }
+    [[nodiscard]] DataType getDataType() const noexcept { return m_dataType; }
+    [[nodiscard]] const Quantity* getQuantity() const noexcept { return m_quantity; }
 
-  private:
+private:
     DataType m_dataType;
     const Quantity* m_quantity;
 };
 
 /// A property of entities or samples, such as a core's kind; its values are kept by an AttributeValueManager.
 class KRCOMMON_API Attribute : public DataHandle {
-  public:
+public:
     /// Registers a new attribute, which lives for the process.
     static const Attribute* create(const AttributeDescription& description);
 
-    [[nodiscard]] DataType getDataType() const noexcept {
-        return m_dataType;
-    }
-    [[nodiscard]] const Quantity* getQuantity() const noexcept {
-        return m_quantity;
-    }
+    [[nodiscard]] DataType getDataType() const noexcept { return m_dataType; }
+    [[nodiscard]] const Quantity* getQuantity() const noexcept { return m_quantity; }
 
-  private:
+private:
     explicit Attribute(const AttributeDescription& description);
 
     DataType m_dataType;
@@ -54,7 +46,7 @@ class KRCOMMON_API Attribute : public DataHandle {
 
 /// Keeps values of attributes, one an attribute, in the order of the attributes' ids.
 class KRCOMMON_API AttributeValueManager {
-  public:
+public:
     using Value = std::pair<const Attribute*, Data>;
 
     AttributeValueManager();
@@ -69,27 +61,21 @@ class KRCOMMON_API AttributeValueManager {
     /// The attribute's value, null when it has none.
     [[nodiscard]] const Data* getAttributeValue(const Attribute* attribute) const;
 
-    [[nodiscard]] bool empty() const noexcept {
-        return m_values.empty();
-    }
-    [[nodiscard]] std::vector<Value>::const_iterator begin() const noexcept {
-        return m_values.begin();
-    }
-    [[nodiscard]] std::vector<Value>::const_iterator end() const noexcept {
-        return m_values.end();
-    }
+    [[nodiscard]] bool empty() const noexcept { return m_values.empty(); }
+    [[nodiscard]] std::vector<Value>::const_iterator begin() const noexcept { return m_values.begin(); }
+    [[nodiscard]] std::vector<Value>::const_iterator end() const noexcept { return m_values.end(); }
 
-  protected:
+protected:
     void clear_i() noexcept;
 
-  private:
+private:
     std::vector<Value> m_values;
 };
 
 /// Attribute values of one sample. Owned by the caller, who keeps it alive until the sampling point of the
 /// sample has been handed on, and may clear and refill it afterwards.
 class KRCOMMON_API DynamicAttributeValueManager : public AttributeValueManager {
-  public:
+public:
     DynamicAttributeValueManager();
     DynamicAttributeValueManager(const DynamicAttributeValueManager&);
     DynamicAttributeValueManager& operator=(const DynamicAttributeValueManager&);
@@ -99,4 +85,4 @@ class KRCOMMON_API DynamicAttributeValueManager : public AttributeValueManager {
     void clear();
 };
 
-}  // namespace pwr
+} // namespace pwr

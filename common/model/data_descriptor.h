@@ -13,13 +13,11 @@ namespace pwr {
 /// Says which of an entity's data a sample is: a state of a residency, a sensor, a direction of traffic.
 /// It may stand for a value (the state's number, for example). Made by DataDescriptorBuilder.
 class KRCOMMON_API DataDescriptor : public DataHandle {
-  public:
+public:
     /// The value it stands for, null when none was given.
-    [[nodiscard]] const Data* getValue() const noexcept {
-        return m_value ? &*m_value : nullptr;
-    }
+    [[nodiscard]] const Data* getValue() const noexcept { return m_value ? &*m_value : nullptr; }
 
-  private:
+private:
     friend class DataDescriptorBuilder;
     DataDescriptor(const Description& description, const std::optional<Data>& value);
 
@@ -29,7 +27,7 @@ class KRCOMMON_API DataDescriptor : public DataHandle {
 /// Collects what a data descriptor is made from. A builder can be used again: each build() registers another
 /// descriptor. To share one, look it up with DataHandleProvider::findDescriptor(name) first.
 class KRCOMMON_API DataDescriptorBuilder {
-  public:
+public:
     explicit DataDescriptorBuilder(const std::string& name);
 
     DataDescriptorBuilder& setFieldName(const std::string& fieldName);
@@ -42,7 +40,7 @@ class KRCOMMON_API DataDescriptorBuilder {
     /// Registers a new descriptor, which lives for the process.
     [[nodiscard]] const DataDescriptor* build() const;
 
-  private:
+private:
     std::string m_name;
     std::string m_shortName;
     std::optional<std::string> m_fieldName;
@@ -51,4 +49,4 @@ class KRCOMMON_API DataDescriptorBuilder {
     std::optional<Data> m_value;
 };
 
-}  // namespace pwr
+} // namespace pwr

@@ -27,7 +27,7 @@ enum class DataHandleType : std::uint32_t {
 /// Carries copies of the texts of the description it was made from. Handles are made by the `create` of their
 /// class, which registers them; they live for the whole process, so holders keep plain pointers.
 class KRCOMMON_API DataHandle : public UniqueId {
-  public:
+public:
     ~DataHandle() override;
 
     /// Finds the handle with an id. Returns 0 and sets `out`; 1 and a warning, `out` untouched, when no object
@@ -39,29 +39,17 @@ class KRCOMMON_API DataHandle : public UniqueId {
     /// The name that tells this handle from others of the same name; for most kinds the name itself.
     [[nodiscard]] virtual std::string getQualifiedName() const;
 
-    [[nodiscard]] const std::string& getName() const noexcept {
-        return m_name;
-    }
-    [[nodiscard]] const std::string& getFieldName() const noexcept {
-        return m_fieldName;
-    }
-    [[nodiscard]] const std::string& getShortName() const noexcept {
-        return m_shortName;
-    }
-    [[nodiscard]] const std::string& getDescription() const noexcept {
-        return m_description;
-    }
-    [[nodiscard]] const std::string& getHeader() const noexcept {
-        return m_header;
-    }
-    [[nodiscard]] DataHandleType getHandleType() const noexcept {
-        return m_handleType;
-    }
+    [[nodiscard]] const std::string& getName() const noexcept { return m_name; }
+    [[nodiscard]] const std::string& getFieldName() const noexcept { return m_fieldName; }
+    [[nodiscard]] const std::string& getShortName() const noexcept { return m_shortName; }
+    [[nodiscard]] const std::string& getDescription() const noexcept { return m_description; }
+    [[nodiscard]] const std::string& getHeader() const noexcept { return m_header; }
+    [[nodiscard]] DataHandleType getHandleType() const noexcept { return m_handleType; }
 
-  protected:
+protected:
     DataHandle(const Description& description, DataHandleType handleType);
 
-  private:
+private:
     std::string m_name;
     std::string m_fieldName;
     std::string m_shortName;
@@ -70,4 +58,4 @@ class KRCOMMON_API DataHandle : public UniqueId {
     DataHandleType m_handleType;
 };
 
-}  // namespace pwr
+} // namespace pwr

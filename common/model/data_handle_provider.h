@@ -21,7 +21,7 @@ class SystemMetadata;
 /// Ownership: the registry keeps what it is given until the process ends; it is never destroyed itself.
 /// Threads:   no locks; handles are made on one thread at a time (set-up, then the metric thread).
 class KRCOMMON_API DataHandleProvider {
-  public:
+public:
     DataHandleProvider() = delete;
 
     /// Builds the processor entities from a collection's record, unless there are some already (then 0 and no
@@ -57,4 +57,4 @@ class KRCOMMON_API DataHandleProvider {
     [[nodiscard]] static const DataDescriptor* findDescriptor(const std::string& name);
 };
 
-}  // namespace pwr
+} // namespace pwr

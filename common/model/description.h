@@ -24,7 +24,7 @@ enum class DescriptionType : std::uint32_t {
 /// The field name heads a column and starts as the name; the short name is the name when none is given;
 /// description and header (a heading above several columns) start empty.
 class KRCOMMON_API Description {
-  public:
+public:
     Description(const std::string& name, const std::string& shortName);
     Description(const Description&) = default;
     Description(Description&&) = default;
@@ -36,29 +36,17 @@ class KRCOMMON_API Description {
     void setDescription(const std::string& description);
     void setHeader(const std::string& header);
 
-    [[nodiscard]] const std::string& getName() const noexcept {
-        return m_name;
-    }
-    [[nodiscard]] const std::string& getFieldName() const noexcept {
-        return m_fieldName;
-    }
-    [[nodiscard]] const std::string& getShortName() const noexcept {
-        return m_shortName;
-    }
-    [[nodiscard]] const std::string& getDescription() const noexcept {
-        return m_description;
-    }
-    [[nodiscard]] const std::string& getHeader() const noexcept {
-        return m_header;
-    }
-    [[nodiscard]] DescriptionType getType() const noexcept {
-        return m_type;
-    }
+    [[nodiscard]] const std::string& getName() const noexcept { return m_name; }
+    [[nodiscard]] const std::string& getFieldName() const noexcept { return m_fieldName; }
+    [[nodiscard]] const std::string& getShortName() const noexcept { return m_shortName; }
+    [[nodiscard]] const std::string& getDescription() const noexcept { return m_description; }
+    [[nodiscard]] const std::string& getHeader() const noexcept { return m_header; }
+    [[nodiscard]] DescriptionType getType() const noexcept { return m_type; }
 
-  protected:
+protected:
     Description(DescriptionType type, const std::string& name, const std::string& shortName);
 
-  private:
+private:
     std::string m_name;
     std::string m_fieldName;
     std::string m_shortName;
@@ -67,4 +55,4 @@ class KRCOMMON_API Description {
     DescriptionType m_type;
 };
 
-}  // namespace pwr
+} // namespace pwr

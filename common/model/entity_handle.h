@@ -15,7 +15,7 @@ class TNode;
 
 /// Describes an entity.
 class KRCOMMON_API EntityDescription : public Description {
-  public:
+public:
     explicit EntityDescription(const std::string& name, const std::string& shortName = "");
 };
 
@@ -24,26 +24,21 @@ class KRCOMMON_API EntityDescription : public Description {
 /// (DataHandleProvider::initTopology) and found by the look-ups here. An entity can carry attribute values.
 /// Ownership: the registry's, for the whole process.
 class KRCOMMON_API EntityHandle : public DataHandle, public AttributeValueManager {
-  public:
+public:
     /// Registers a new entity below the parent, or a root for null. The announcement to the writers carries
     /// the parent already. An empty short name means the name.
     static EntityHandle* create(const Description& description, const EntityHandle* parent);
     static EntityHandle* create(const std::string& name, const EntityHandle* parent);
-    static EntityHandle* create(const std::string& name, const std::string& shortName, const EntityHandle* parent);
+    static EntityHandle* create(const std::string& name, const std::string& shortName,
+                                const EntityHandle* parent);
 
     ~EntityHandle() override;
 
-    [[nodiscard]] const EntityHandle* getParent() const noexcept {
-        return m_parent;
-    }
+    [[nodiscard]] const EntityHandle* getParent() const noexcept { return m_parent; }
     /// The entities created below this one, in the order of their creation.
-    [[nodiscard]] const std::vector<const EntityHandle*>& getChildren() const noexcept {
-        return m_children;
-    }
+    [[nodiscard]] const std::vector<const EntityHandle*>& getChildren() const noexcept { return m_children; }
     /// True for the root that a topology made, also after a later topology replaced it.
-    [[nodiscard]] bool isSystemEntity() const noexcept {
-        return m_isSystem;
-    }
+    [[nodiscard]] bool isSystemEntity() const noexcept { return m_isSystem; }
 
     /// The names from below the system entity down to this one, joined by "/". An ancestor without a name ends
     /// the walk as well.
@@ -69,7 +64,7 @@ class KRCOMMON_API EntityHandle : public DataHandle, public AttributeValueManage
     static int getCPUCoreCount();
     static int getCPUThreadCount();
 
-  private:
+private:
     friend class CpuEntityTopology;
     friend class EntityHandleTestAccess;
 
@@ -85,4 +80,4 @@ class KRCOMMON_API EntityHandle : public DataHandle, public AttributeValueManage
     bool m_isSystem = false;
 };
 
-}  // namespace pwr
+} // namespace pwr

@@ -10,18 +10,18 @@ namespace pwr {
 
 /// Describes an event.
 class KRCOMMON_API EventDescription : public Description {
-  public:
+public:
     explicit EventDescription(const std::string& name, const std::string& shortName = "");
 };
 
 /// Identifies something that happens at an instant.
 class KRCOMMON_API Event : public DataHandle {
-  public:
+public:
     /// Registers a new event, which lives for the process.
     static const Event* create(const Description& description);
 
-  private:
+private:
     explicit Event(const Description& description);
 };
 
-}  // namespace pwr
+} // namespace pwr

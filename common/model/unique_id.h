@@ -14,22 +14,20 @@ enum class UniqueIdType : std::uint32_t { DATA_HANDLE = 0, QUANTITY = 1 };
 /// they are never given twice, so an identity can neither be copied nor moved.
 /// Threads: objects are made on one thread at a time.
 class KRCOMMON_API UniqueId {
-  public:
+public:
     UniqueId(const UniqueId&) = delete;
     UniqueId& operator=(const UniqueId&) = delete;
     virtual ~UniqueId();
 
     [[nodiscard]] virtual UniqueIdType getIdType() const = 0;
 
-    [[nodiscard]] std::uint64_t getId() const noexcept {
-        return m_id;
-    }
+    [[nodiscard]] std::uint64_t getId() const noexcept { return m_id; }
 
-  protected:
+protected:
     UniqueId() noexcept;
 
-  private:
+private:
     std::uint64_t m_id;
 };
 
-}  // namespace pwr
+} // namespace pwr
