@@ -1,0 +1,51 @@
+#pragma once
+
+#include "common/export.h"
+#include "common/plugin/collection_data.h"
+#include "common/plugin/plugin.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace pwr {
+class Metadata;
+class MsgMetadata;
+class TWClockSource;
+} // namespace pwr
+
+/// Reads counters of the machine. The host declares the messages, opens each, then has them read when
+/// their triggers say so.
+/// Threads: the host's thread, except read() and drain(), which may be called on a thread of their
+///          own: they touch no handle, and nothing of the environment but logMessage().
+class KRCOMMON_API CollectorPlugin : public Plugin {
+  public:
+    explicit CollectorPlugin(const std::string& name);
+    ~CollectorPlugin() override;
+
+    /// The type words that name this collector in hardware descriptions.
+    virtual std::vector<std::string> getCollectorTypes() const = 0;
+
+    /// Appends the messages and metrics that the collector brings along itself. The base adds none.
+    virtual int declare(std::vector<std::unique_ptr<pwr::Metadata>>& declarations);
+
+    /// Makes a message ready to be read, and lists its instances with patterns expanded for this
+    /// machine. 1 with a reason and a fix in `out` when it cannot be collected: others go on.
+    virtual int open(const pwr::MsgMetadata& message, MessageInstances& out) = 0;
+
+    /// Reads once. `out` comes empty but for the id in its header; it leaves with the timestamp and
+    /// one value, or the note that it is missing, for each instance. Non-zero: nothing was read.
+    virtual int read(const pwr::MsgMetadata& message, CollectionData& out) = 0;
+
+    /// For sources that record by themselves: appends what was recorded before a tick of the default
+    /// clock, in order of time. The base has nothing recorded.
+    virtual int drain(const pwr::MsgMetadata& message, std::uint64_t untilTick,
+                      std::vector<CollectionData>& out);
+
+    /// Releases what open() took.
+    virtual void close(const pwr::MsgMetadata& message);
+
+    /// The clock that stamps the samples; null means the default clock. Not owned by the caller.
+    virtual pwr::TWClockSource* getClockSource() const;
+};
