@@ -12,7 +12,7 @@ namespace pwr {
 /// Reads text files line by line, and trims what was read. Lines end in a line feed, with or without a
 /// carriage return before it; they may have any length and hold any byte.
 class KRCOMMON_API LineReader {
-  public:
+public:
     /// Replaces `line` by the next line without its end. False only at the end of the file: a last
     /// line without line end counts as a line.
     static bool getline(std::FILE* file, std::string& line);

@@ -12,7 +12,7 @@ namespace pwr {
 /// and trailing ones are ignored. The text is copied; the delimiters are not and must outlive the
 /// tokenizer. A null or empty set, and an empty text, give no tokens.
 class KRCOMMON_API Tokenizer {
-  public:
+public:
     Tokenizer(const std::string& text, const char* delimiters);
 
     /// All tokens in order; these do not use up what get_next_token() gives.
@@ -27,7 +27,7 @@ class KRCOMMON_API Tokenizer {
     /// As get_next_token(), empty at the end.
     std::string str_get_next_token();
 
-  private:
+private:
     std::string m_text;
     const char* m_delimiters;
     std::vector<std::string> m_tokens;

@@ -15,7 +15,7 @@ class SystemMetadata;
 /// time base of a collection; the readings of others are converted into it.
 /// Threads: reading a clock is safe on any thread.
 class KRCOMMON_API TWClockSource {
-  public:
+public:
     TWClockSource(const std::string& uuid, const std::string& name, const std::string& description);
     virtual ~TWClockSource();
 
@@ -23,17 +23,11 @@ class KRCOMMON_API TWClockSource {
     virtual float getFrequency() const = 0;
     virtual pw_u64_t getTimestamp() const = 0;
 
-    const std::string& getUUID() const {
-        return m_uuid;
-    }
-    const std::string& getName() const {
-        return m_name;
-    }
-    const std::string& getDescription() const {
-        return m_description;
-    }
+    const std::string& getUUID() const { return m_uuid; }
+    const std::string& getName() const { return m_name; }
+    const std::string& getDescription() const { return m_description; }
 
-  private:
+private:
     std::string m_uuid;
     std::string m_name;
     std::string m_description;
@@ -41,7 +35,7 @@ class KRCOMMON_API TWClockSource {
 
 /// The platform's monotonic performance counter.
 class KRCOMMON_API TWQPCClock : public TWClockSource {
-  public:
+public:
     TWQPCClock();
     float getFrequency() const override;
     pw_u64_t getTimestamp() const override;
@@ -49,7 +43,7 @@ class KRCOMMON_API TWQPCClock : public TWClockSource {
 
 /// Nanoseconds since 1970-01-01 UTC. Not monotonic: it follows corrections of the wall clock.
 class KRCOMMON_API TWNanoClock : public TWClockSource {
-  public:
+public:
     TWNanoClock();
     float getFrequency() const override;
     pw_u64_t getTimestamp() const override;
@@ -58,13 +52,13 @@ class KRCOMMON_API TWNanoClock : public TWClockSource {
 /// The processor's time-stamp counter. Its frequency cannot be read from the processor: whoever knows
 /// it sets it. Processors without the counter give the performance counter.
 class KRCOMMON_API TWTSCClock : public TWClockSource {
-  public:
+public:
     TWTSCClock();
     float getFrequency() const override;
     pw_u64_t getTimestamp() const override;
     void setFrequency(float frequencyMHz);
 
-  private:
+private:
     float m_frequency = 0.0F;
 };
 
@@ -83,8 +77,7 @@ struct TWClockSync {
 /// Appends new clocks in the order QPC, NANO, TSC; the caller owns them. The TSC clock gets its
 /// frequency from the record when the default clock is the TSC itself, else from the environment's
 /// default frequency and ratio.
-KRCOMMON_API void getTWSystemClockSources(const SystemMetadata& system,
-                                          std::vector<TWClockSource*>& clocks);
+KRCOMMON_API void getTWSystemClockSources(const SystemMetadata& system, std::vector<TWClockSource*>& clocks);
 
 /// Deletes the clocks and leaves the vector as it is, with pointers that must not be used any more.
 KRCOMMON_API void freeTWSystemClockSources(std::vector<TWClockSource*>& clocks);

@@ -31,26 +31,18 @@ struct MessageInstances {
 /// Meant for reuse: clear() keeps the buffers, so that a reading costs no allocation once they are
 /// large enough. Threads: one owner at a time; moving hands the whole record over.
 class KRCOMMON_API CollectionData {
-  public:
+public:
     /// The header counts in 16 bits: larger messages come as several records.
     static constexpr std::size_t MAX_VALUES = 0xFFFF;
 
-    tw_driver_msg& header() {
-        return m_header;
-    }
-    const tw_driver_msg& header() const {
-        return m_header;
-    }
-    std::size_t size() const {
-        return m_bits.size();
-    }
+    tw_driver_msg& header() { return m_header; }
+    const tw_driver_msg& header() const { return m_header; }
+    std::size_t size() const { return m_bits.size(); }
     /// False also beyond the end.
     bool isPresent(std::size_t index) const {
         return index < m_kinds.size() && m_kinds[index] != Kind::MISSING;
     }
-    bool isText(std::size_t index) const {
-        return index < m_kinds.size() && m_kinds[index] == Kind::TEXT;
-    }
+    bool isText(std::size_t index) const { return index < m_kinds.size() && m_kinds[index] == Kind::TEXT; }
     /// 0 for what is missing, a text, or beyond the end.
     std::uint64_t getBits(std::size_t index) const {
         return index < m_kinds.size() && m_kinds[index] == Kind::BITS ? m_bits[index] : 0;
@@ -63,18 +55,14 @@ class KRCOMMON_API CollectionData {
 
     /// Append one value each and count it in the header. A record that is full takes no more: 1 and
     /// a warning.
-    int add(std::uint64_t bits) {
-        return append_i(bits, Kind::BITS);
-    }
+    int add(std::uint64_t bits) { return append_i(bits, Kind::BITS); }
     int addText(std::string_view text);
     /// The instance gave no value this time; what was not there is told from what was zero.
-    int addMissing() {
-        return append_i(0, Kind::MISSING);
-    }
+    int addMissing() { return append_i(0, Kind::MISSING); }
     /// All of them, or on 1 none.
     int addAll(std::span<const std::uint64_t> bits);
 
-  private:
+private:
     enum class Kind : std::uint8_t { MISSING = 0, BITS = 1, TEXT = 2 };
 
     int append_i(std::uint64_t bits, Kind kind) {

@@ -20,7 +20,7 @@ class TWClockSource;
 /// Threads: the host's thread, except read() and drain(), which may be called on a thread of their
 ///          own: they touch no handle, and nothing of the environment but logMessage().
 class KRCOMMON_API CollectorPlugin : public Plugin {
-  public:
+public:
     explicit CollectorPlugin(const std::string& name);
     ~CollectorPlugin() override;
 

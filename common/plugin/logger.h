@@ -46,7 +46,7 @@ namespace pwr {
 ///           a message goes out whole. emit() is called with the lock held, and may log again.
 /// The base class discards its text: derive and override emit().
 class KRCOMMON_API Logger : public std::ostream {
-  public:
+public:
     Logger();
     ~Logger() override;
     Logger(const Logger&) = delete;
@@ -69,20 +69,19 @@ class KRCOMMON_API Logger : public std::ostream {
     /// Ends the output; the base class has nothing to end. 0 for success.
     virtual int close();
 
-  private:
+private:
     /// A member and not a base class: with a stream buffer as base, printing the address of a
     /// logger would copy the content of the buffer instead.
     class Buffer : public std::streambuf {
-      public:
-        explicit Buffer(Logger& owner) : m_owner(owner) {
-        }
+    public:
+        explicit Buffer(Logger& owner) : m_owner(owner) {}
 
-      protected:
+    protected:
         int_type overflow(int_type character) override;
         std::streamsize xsputn(const char* bytes, std::streamsize count) override;
         int sync() override;
 
-      private:
+    private:
         Logger& m_owner;
     };
 
@@ -99,7 +98,7 @@ class KRCOMMON_API Logger : public std::ostream {
 /// opened the stream is in its failure state and the text is discarded; nothing is thrown.
 /// The name is UTF-8 on every platform. Text that was not flushed is written at the end.
 class KRCOMMON_API FileLogger : public Logger {
-  public:
+public:
     explicit FileLogger(const char* name);
     ~FileLogger() override;
 
@@ -109,7 +108,7 @@ class KRCOMMON_API FileLogger : public Logger {
     /// Closes the file; 1 and the stream's failure state when that fails or no file is open.
     int close() override;
 
-  private:
+private:
     std::ofstream m_file;
 };
 

@@ -20,15 +20,14 @@ class SystemMetadata;
 ///          initializeCollection(), then readings; at the end finalizeCollection().
 /// Failure: non-zero and a warning; the plug-in goes on with what it has.
 class KRCOMMON_API MetricPlugin : public Plugin {
-  public:
+public:
     explicit MetricPlugin(const std::string& name);
     ~MetricPlugin() override;
 
     /// One declaration: of a message, a metric or a collector.
     virtual int processMetadata(const pwr::Metadata& declaration) = 0;
     /// Whom a message's values belong to; comes again when instances are appended while collecting.
-    virtual int processInstances(const pwr::MsgMetadata& message,
-                                 const MessageInstances& instances) = 0;
+    virtual int processInstances(const pwr::MsgMetadata& message, const MessageInstances& instances) = 0;
     /// Makes the metric containers.
     virtual int initializeCollection(const pwr::SystemMetadata& system) = 0;
     virtual int processMessage(const CollectionData& reading) = 0;

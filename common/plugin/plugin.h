@@ -13,7 +13,7 @@
 /// Threads: the host's thread, unless a derived class says otherwise.
 /// Life:    made by its module, initialize(), work, shutdown(), destroyed through this base.
 class KRCOMMON_API Plugin {
-  public:
+public:
     explicit Plugin(const std::string& name);
     virtual ~Plugin();
     Plugin(const Plugin&) = delete;
@@ -32,11 +32,9 @@ class KRCOMMON_API Plugin {
     /// One sentence for listings; never null.
     virtual const char* getDescription() const = 0;
 
-    const std::string& getName() const {
-        return m_name;
-    }
+    const std::string& getName() const { return m_name; }
 
-  private:
+private:
     std::string m_name;
     std::vector<std::unique_ptr<PluginCapability>> m_capabilities;
 };

@@ -24,15 +24,13 @@ class TWClockSource;
 /// Threads:   no lock. The host fills it before plug-ins run; logMessage() alone may be called from
 ///            any thread, so loggers and verbosity are set before threads start.
 class KRCOMMON_API PluginEnvironment {
-  public:
+public:
     constexpr PluginEnvironment() = default;
     ~PluginEnvironment();
     PluginEnvironment(const PluginEnvironment&) = delete;
     PluginEnvironment& operator=(const PluginEnvironment&) = delete;
 
-    pwr::PWLogLevel getVerbosity() const {
-        return m_verbosity;
-    }
+    pwr::PWLogLevel getVerbosity() const { return m_verbosity; }
     /// Levels above WARNING are stored as WARNING: debug output is switched on by tag. A level below
     /// FATAL silences everything.
     void setVerbosity(pwr::PWLogLevel level);
@@ -42,38 +40,20 @@ class KRCOMMON_API PluginEnvironment {
     /// "FATAL", "ERROR", "WARNING", "DEBUG", and "INFO" for every other number.
     static const char* getLoggerPrefix(pwr::PWLogLevel level);
 
-    pwr::Logger* getErrorLogger() const {
-        return m_errorLogger;
-    }
-    void setErrorLogger(pwr::Logger* logger) {
-        m_errorLogger = logger;
-    }
-    pwr::Logger* getDebugLogger() const {
-        return m_debugLogger;
-    }
-    void setDebugLogger(pwr::Logger* logger) {
-        m_debugLogger = logger;
-    }
+    pwr::Logger* getErrorLogger() const { return m_errorLogger; }
+    void setErrorLogger(pwr::Logger* logger) { m_errorLogger = logger; }
+    pwr::Logger* getDebugLogger() const { return m_debugLogger; }
+    void setDebugLogger(pwr::Logger* logger) { m_debugLogger = logger; }
     /// A sink that discards what it is given.
-    pwr::Logger* getNullLogger() const {
-        return m_nullLogger;
-    }
-    void setNullLogger(pwr::Logger* logger) {
-        m_nullLogger = logger;
-    }
+    pwr::Logger* getNullLogger() const { return m_nullLogger; }
+    void setNullLogger(pwr::Logger* logger) { m_nullLogger = logger; }
     /// Where formatted result data is written.
-    pwr::Logger* getDataOutputHandle() const {
-        return m_dataOutputHandle;
-    }
-    void setDataOutputHandle(pwr::Logger* logger) {
-        m_dataOutputHandle = logger;
-    }
+    pwr::Logger* getDataOutputHandle() const { return m_dataOutputHandle; }
+    void setDataOutputHandle(pwr::Logger* logger) { m_dataOutputHandle = logger; }
     /// The preset file output if one was set, whatever the name; otherwise a new FileLogger on the
     /// name, which is not kept and belongs to the caller. Null for a null name.
     pwr::Logger* getFileOutputHandle(const char* name) const;
-    void setFileOutputHandle(pwr::Logger* logger) {
-        m_fileOutputHandle = logger;
-    }
+    void setFileOutputHandle(pwr::Logger* logger) { m_fileOutputHandle = logger; }
 
     /// Debug logging is switched on for exactly the tags added here; see logTrace().
     void addCondLogTagForDebugLogging(const std::string& tag);
@@ -84,21 +64,13 @@ class KRCOMMON_API PluginEnvironment {
     /// The queue itself, oldest first, to be printed and drained by the host.
     std::deque<std::string>& getQueuedMessages();
 
-    pwr::TWClockSource* getDefaultClock() const {
-        return m_defaultClock;
-    }
-    void setDefaultClock(pwr::TWClockSource* clock) {
-        m_defaultClock = clock;
-    }
+    pwr::TWClockSource* getDefaultClock() const { return m_defaultClock; }
+    void setDefaultClock(pwr::TWClockSource* clock) { m_defaultClock = clock; }
     /// Stores the default clock's frequency, and its ratio to the time-stamp counter's; both in MHz.
     void setDefaultClockToTSCRatio(float clockMHz, float tscMHz);
-    float getDefaultClockToTSCRatio() const {
-        return m_defaultClockToTSCRatio;
-    }
+    float getDefaultClockToTSCRatio() const { return m_defaultClockToTSCRatio; }
     /// 0 until setDefaultClockToTSCRatio().
-    float getDefaultClockMHz() const {
-        return m_defaultClockMHz;
-    }
+    float getDefaultClockMHz() const { return m_defaultClockMHz; }
     /// Seconds of a count of default-clock ticks, all in single precision: the ticks divided by the
     /// frequency in MHz, then by a million. Infinity or NaN while the frequency is unset.
     float getSecFromTimestamp(pw_u64_t ticks) const;
@@ -108,12 +80,8 @@ class KRCOMMON_API PluginEnvironment {
     void setTarnwellDrvHandle(void* handle);
     void* getQmonDrvHandle() const;
     void setQmonDrvHandle(void* handle);
-    pw_u32_t getTarnwellDrvVersion() const {
-        return m_tarnwellDrvVersion;
-    }
-    void setTarnwellDrvVersion(pw_u32_t version) {
-        m_tarnwellDrvVersion = version;
-    }
+    pw_u32_t getTarnwellDrvVersion() const { return m_tarnwellDrvVersion; }
+    void setTarnwellDrvVersion(pw_u32_t version) { m_tarnwellDrvVersion = version; }
     /// Registration of the trace driver is asked for, and its feature is on; neither can be undone.
     void setQmonEnable();
     bool isQmonRegister() const;
@@ -121,37 +89,21 @@ class KRCOMMON_API PluginEnvironment {
     bool isQmonFeatureEnabled() const;
 
     /// Stored untyped, so that plug-ins need not see the type: the WriterStream.
-    void* getWriterStream() const {
-        return m_writerStream;
-    }
-    void setWriterStream(void* stream) {
-        m_writerStream = stream;
-    }
+    void* getWriterStream() const { return m_writerStream; }
+    void setWriterStream(void* stream) { m_writerStream = stream; }
     /// The entity topology of the machine; null means no topology.
-    void* getTopologyManager() const {
-        return m_topologyManager;
-    }
-    void setTopologyManager(void* topology) {
-        m_topologyManager = topology;
-    }
+    void* getTopologyManager() const { return m_topologyManager; }
+    void setTopologyManager(void* topology) { m_topologyManager = topology; }
     /// The topology captured before the collection started.
-    void* getPreCollectionTopology() const {
-        return m_preCollectionTopology;
-    }
-    void setPreCollectionTopology(void* topology) {
-        m_preCollectionTopology = topology;
-    }
+    void* getPreCollectionTopology() const { return m_preCollectionTopology; }
+    void setPreCollectionTopology(void* topology) { m_preCollectionTopology = topology; }
 
     /// The prefix of the name of every result file.
     void setResultFilePrefix(const std::string& prefix);
     const std::string& getResultFilePrefix() const;
     /// Set once a hibernation was seen, and never cleared.
-    void setHybernationEventDetected() {
-        m_hybernationEventDetected = true;
-    }
-    bool getHybernationEventDetected() const {
-        return m_hybernationEventDetected;
-    }
+    void setHybernationEventDetected() { m_hybernationEventDetected = true; }
+    bool getHybernationEventDetected() const { return m_hybernationEventDetected; }
     /// Names of metrics that the user switched on; compared exactly.
     void insertMetricSwitch(const std::string& name);
     bool hasMetricSwitch(const std::string& name) const;
@@ -205,7 +157,7 @@ class KRCOMMON_API PluginEnvironment {
     void setDeprecatedTAFGUIDs(const std::string& name, const std::vector<pw_u32_t>& guids);
     std::vector<pw_u32_t> getDeprecatedTAFGUIDs() const;
 
-  private:
+private:
     struct Registries;
 
     pw_u32_t getCurrentSystemState(pw_u64_t timestamp) const;

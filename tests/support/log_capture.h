@@ -11,7 +11,7 @@ namespace pwr {
 /// Catches what is logged while it lives: both loggers of the environment lead here and the verbosity
 /// is WARNING. Puts back what was there before.
 class LogCapture {
-  public:
+public:
     LogCapture()
         : m_oldError(g_pluginEnvironment->getErrorLogger()),
           m_oldDebug(g_pluginEnvironment->getDebugLogger()),
@@ -29,16 +29,12 @@ class LogCapture {
     LogCapture& operator=(const LogCapture&) = delete;
 
     /// All text since the beginning or the last take().
-    std::string text() const {
-        return m_logger.content(false);
-    }
-    std::string take() {
-        return m_logger.content(true);
-    }
+    std::string text() const { return m_logger.content(false); }
+    std::string take() { return m_logger.content(true); }
 
-  private:
+private:
     class CapturingLogger : public Logger {
-      public:
+    public:
         void emit(const char* bytes, std::size_t size) override {
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_text.append(bytes, size);
@@ -48,7 +44,7 @@ class LogCapture {
             return take ? std::exchange(m_text, std::string()) : m_text;
         }
 
-      private:
+    private:
         std::mutex m_mutex;
         std::string m_text;
     };

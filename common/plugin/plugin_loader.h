@@ -1,0 +1,152 @@
+#pragma once
+
+#include "common/export.h"
+#include "common/plugin/plugin.h"
+#include "common/version.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Raised whenever a plug-in built against the headers of before could no longer work.
+inline constexpr std::uint32_t KR_PLUGIN_INTERFACE_VERSION = 1;
+
+/// What a module holds. Persistent: never renumber.
+inline constexpr std::uint32_t KR_PLUGIN_COLLECTOR = 1;
+inline constexpr std::uint32_t KR_PLUGIN_METRIC = 2;
+inline constexpr std::uint32_t KR_PLUGIN_WRITER = 3;
+
+/// A module's manifest, which its one C symbol krPluginInfo() gives. Plain types only, so that it can be
+/// read before anything is known of the module; size and interfaceVersion never move.
+/// All texts live as long as the module. create() gives an object that the loader destroys.
+extern "C" struct KRPluginInfo {
+    std::uint32_t size;
+    std::uint32_t interfaceVersion;
+    const char* name;
+    const char* libraryVersion;
+    const char* compilerAbi;
+    std::uint32_t kind;
+    Plugin* (*create)();
+};
+
+extern "C" using KRPluginInfoFunction = const KRPluginInfo * (*)();
+
+namespace pwr {
+
+/// The text that must be equal in library and plug-in: what their compilers make of the same headers.
+/// The size of the value type stands for the settings that change the layout of classes.
+template <std::size_t ValueSize>
+struct PluginAbi {
+    static constexpr auto make() {
+#if defined(__clang__) || defined(__GNUC__)
+        constexpr std::string_view family = "itanium";
+        constexpr unsigned long abi = __GXX_ABI_VERSION;
+#else
+        constexpr std::string_view family = "other";
+        constexpr unsigned long abi = 0;
+#endif
+#if defined(_GLIBCXX_USE_CXX11_ABI)
+        constexpr unsigned long library = _GLIBCXX_USE_CXX11_ABI;
+#else
+        constexpr unsigned long library = 2;
+#endif
+        std::array<char, 64> text{};
+        std::size_t length = 0;
+        const auto word = [&](std::string_view part) {
+            for (const char character : part) {
+                text[length++] = character;
+            }
+        };
+        const auto number = [&](unsigned long value) {
+            std::size_t digits = 1;
+            for (unsigned long rest = value; rest >= 10; rest /= 10) {
+                ++digits;
+            }
+            for (std::size_t i = digits; i-- > 0; value /= 10) {
+                text[length + i] = static_cast<char>('0' + value % 10);
+            }
+            length += digits;
+        };
+        word(family);
+        word("-");
+        number(abi);
+        word("-strings");
+        number(library);
+        word("-value");
+        number(ValueSize);
+        return text;
+    }
+    static constexpr std::array<char, 64> text = make();
+};
+
+/// One module file that the loader met: a plug-in, or the reason why it is none.
+struct PluginFile {
+    std::string path;
+    std::string name;           ///< the manifest's, or the file's while that is not known
+    std::string libraryVersion; ///< of the headers it was built against; "" when not known
+    std::uint32_t kind = 0;
+    std::unique_ptr<Plugin> plugin; ///< null when there is an error
+    std::string error;              ///< for the user, without line end; "" when it is loaded
+};
+
+/// Loads plug-in modules and owns the objects that they make. A module that is missing something, was
+/// built for another interface or throws is an entry with an error text: the others go on.
+/// Modules stay loaded for the life of the process, because handles and formatters have their code in
+/// them. Threads: the host's thread. Objects are shut down and destroyed in reverse order of loading.
+class KRCOMMON_API PluginLoader {
+public:
+    PluginLoader();
+    ~PluginLoader();
+    PluginLoader(const PluginLoader&) = delete;
+    PluginLoader& operator=(const PluginLoader&) = delete;
+
+    /// Loads every module of a folder, in order of file names, and initialises each. 1 when the folder
+    /// cannot be listed or any module failed.
+    int loadFolder(const std::string& folder);
+    /// Loads one module. 1 when it failed; its entry tells why.
+    int loadFile(const std::string& path);
+
+    /// All files in order of loading, failed ones included.
+    const std::vector<PluginFile>& getFiles() const { return m_files; }
+    /// The loaded plug-ins of one class (CollectorPlugin, MetricPlugin, WriterPlugin), in order.
+    template <typename PluginClass>
+    std::vector<PluginClass*> getPlugins() const {
+        std::vector<PluginClass*> found;
+        for (const PluginFile& file : m_files) {
+            if (auto* const plugin = dynamic_cast<PluginClass*>(file.plugin.get())) {
+                found.push_back(plugin);
+            }
+        }
+        return found;
+    }
+
+    /// Shuts down and destroys all plug-ins, the last loaded first, and forgets all files.
+    void unload();
+
+private:
+    std::vector<PluginFile> m_files;
+};
+
+} // namespace pwr
+
+/// Makes a module a plug-in: defines its one symbol, with a manifest that names it and makes an object of
+/// the class (which needs a default constructor). Stands once in a module, at top level, in a file that
+/// includes "common/values/data.h".
+#define KRCOMMON_PLUGIN(pluginName, pluginKind, PluginClass)                                                 \
+    extern "C" KRCOMMON_PLUGIN_EXPORT const KRPluginInfo* krPluginInfo() {                                   \
+        static constexpr KRPluginInfo info = {                                                               \
+            sizeof(KRPluginInfo),                                                                            \
+            KR_PLUGIN_INTERFACE_VERSION,                                                                     \
+            pluginName,                                                                                      \
+            KRCOMMON_VERSION,                                                                                \
+            ::pwr::PluginAbi<sizeof(::pwr::Data)>::text.data(),                                              \
+            pluginKind,                                                                                      \
+            []() -> Plugin* { return new PluginClass(); },                                                   \
+        };                                                                                                   \
+        return &info;                                                                                        \
+    }                                                                                                        \
+    static_assert(true, "a semicolon follows the macro")
