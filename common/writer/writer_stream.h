@@ -10,6 +10,7 @@ class WriterPlugin;
 
 namespace pwr {
 class Metric;
+class TableMessage;
 class WriterMessage;
 class WriterStreamHost;
 } // namespace pwr
@@ -45,6 +46,8 @@ class KRCOMMON_API WriterStream {
     explicit WriterStream(const std::set<WriterPlugin *> *plugins);
     ~WriterStream();
 
+    template <class Message> void deliver_i(Message *message) const;
+    int pushTable_i(pwr::TableMessage *table);
     int flush();
 
     const std::set<WriterPlugin *> *m_plugins;
