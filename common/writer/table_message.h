@@ -163,7 +163,9 @@ class KRCOMMON_API TableMessage : public WriterMessage {
     int addField_i(const DataHandle *handle, DataType type, const Formatter *formatter, bool shared);
     int addDescription_i(const Description &description, DataType type, const Formatter *formatter, bool shared);
     int findCell_i(const EntityHandle *entity, unsigned number, std::size_t &cell, bool writing) const;
-    void addValidValue_i(std::size_t cell);
+    Data *getDataToSet_i(unsigned number);
+    Data *getDataToSet_i(const EntityHandle *entity, unsigned number);
+    void addValidValue_i(const Data *cell);
 
     std::string m_title;
     const Quantity *m_quantity;

@@ -105,26 +105,34 @@ int TableMessage::setFieldValueAt(const EntityHandle *entity, unsigned number, c
         logWarning("WARNING: Can't set table field before table is created\n");
         return 1;
     }
-    std::size_t cell = 0;
-    if (findCell_i(entity, number, cell, true) != 0) {
+    Data *cell = entity != nullptr ? getDataToSet_i(entity, number) : getDataToSet_i(number);
+    if (cell == nullptr) {
         return 1;
     }
-    Data &data = m_impl->cells[cell];
-    if (data.getType() != value.getType() && data.getType() != DataType::NONE) {
+    if (cell->getType() != value.getType() && cell->getType() != DataType::NONE) {
         // Asked here and not left to the value, which would lose what the cell holds.
         logWarning("WARNING: Invalid attempt to initialize data of the wrong type (%d != %d)\n",
-                   static_cast<int>(data.getType()), static_cast<int>(value.getType()));
+                   static_cast<int>(cell->getType()), static_cast<int>(value.getType()));
         return 1;
     }
-    if (data.setValue(value) != 0) {
+    if (cell->setValue(value) != 0) {
         return 1;
     }
     addValidValue_i(cell);
     return 0;
 }
 
-void TableMessage::addValidValue_i(std::size_t cell) {
-    m_impl->marks[cell] = 1;
+Data *TableMessage::getDataToSet_i(unsigned number) {
+    return getDataToSet_i(nullptr, number);
+}
+
+Data *TableMessage::getDataToSet_i(const EntityHandle *entity, unsigned number) {
+    std::size_t cell = 0;
+    return findCell_i(entity, number, cell, true) == 0 ? &m_impl->cells[cell] : nullptr;
+}
+
+void TableMessage::addValidValue_i(const Data *cell) {
+    m_impl->marks[static_cast<std::size_t>(cell - m_impl->cells.data())] = 1;
     m_impl->validIsStale = true;
 }
 

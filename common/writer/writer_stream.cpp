@@ -1,6 +1,5 @@
 #include "common/writer/writer_stream.h"
 
-#include "common/metrics/metric.h"
 #include "common/plugin/logger.h"
 #include "common/plugin/plugin_environment.h"
 #include "common/writer/table_message.h"
