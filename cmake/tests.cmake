@@ -21,7 +21,8 @@ if(CMAKE_CROSSCOMPILING AND WIN32)
 endif()
 
 # Tests that run the program as a user has it ask for the fixture `stage`: the project installed into ${build}/stage.
-add_test(NAME stage COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${PROJECT_BINARY_DIR}/stage)
+add_test(NAME stage COMMAND ${CMAKE_COMMAND} -D BUILD=${PROJECT_BINARY_DIR} -D PREFIX=${PROJECT_BINARY_DIR}/stage
+         -P ${PROJECT_SOURCE_DIR}/cmake/stage.cmake)
 set_tests_properties(stage PROPERTIES FIXTURES_SETUP stage TIMEOUT 120)
 
 set(KRCOMMON_TEST_ENVIRONMENT
