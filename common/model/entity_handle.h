@@ -70,6 +70,8 @@ private:
 
     explicit EntityHandle(const Description& description);
 
+    static EntityHandle* create_i(const Description& description, const EntityHandle* parent, bool isSystem);
+
     /// Links a child below this entity. Returns 1 after a warning, both unchanged, when the child is this
     /// entity or one of its ancestors.
     int addChild(EntityHandle* child) const;
