@@ -1,0 +1,100 @@
+#include "common/platform/raw_file.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <memory>
+#include <string_view>
+
+namespace pwr::platform {
+
+namespace {
+
+constexpr std::size_t FIRST_SIZE = 4096;
+
+struct FolderCloser {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+} // namespace
+
+RawFile::~RawFile() {
+    close();
+}
+
+int RawFile::open(const std::string& path) {
+    close();
+    m_descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    return m_descriptor < 0 ? errno : 0;
+}
+
+void RawFile::close() {
+    if (m_descriptor >= 0) {
+        ::close(m_descriptor);
+        m_descriptor = -1;
+    }
+}
+
+int RawFile::readAll(std::string& out) {
+    if (m_descriptor < 0) {
+        out.clear();
+        return EBADF;
+    }
+    // Such files report no size, so the whole capacity of the last read is offered first.
+    out.resize(out.capacity() < FIRST_SIZE ? FIRST_SIZE : out.capacity());
+    std::size_t used = 0;
+    for (;;) {
+        if (used == out.size()) {
+            out.resize(out.size() * 2);
+        }
+        const ssize_t got = ::pread(m_descriptor, out.data() + used, out.size() - used, static_cast<off_t>(used));
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            const int error = errno;
+            out.clear();
+            return error;
+        }
+        if (got == 0) {
+            out.resize(used);
+            return 0;
+        }
+        used += static_cast<std::size_t>(got);
+    }
+}
+
+int listFolder(const std::string& path, std::vector<std::string>& names) {
+    names.clear();
+    const std::unique_ptr<DIR, FolderCloser> folder(::opendir(path.c_str()));
+    if (!folder) {
+        return errno;
+    }
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(folder.get());
+        if (entry == nullptr) {
+            return errno;
+        }
+        const std::string_view name(static_cast<const char*>(entry->d_name));
+        if (name != "." && name != "..") {
+            names.emplace_back(name);
+        }
+    }
+}
+
+int readLinkText(const std::string& path, std::string& target) {
+    std::array<char, 4096> text{};
+    const ssize_t size = ::readlink(path.c_str(), text.data(), text.size());
+    if (size < 0) {
+        target.clear();
+        return errno;
+    }
+    target.assign(text.data(), static_cast<std::size_t>(size));
+    return 0;
+}
+
+} // namespace pwr::platform
