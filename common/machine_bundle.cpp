@@ -26,7 +26,8 @@ void pushComponents(std::vector<std::string>& pending, std::string_view path) {
         }
         path.remove_prefix(std::min(end + 1, path.size()));
     }
-    pending.insert(pending.end(), std::make_move_iterator(parts.rbegin()), std::make_move_iterator(parts.rend()));
+    pending.insert(pending.end(), std::make_move_iterator(parts.rbegin()),
+                   std::make_move_iterator(parts.rend()));
 }
 
 } // namespace
@@ -97,7 +98,8 @@ bool MachineBundle::isPresent_i(const Node& node, std::size_t moment) {
     return false;
 }
 
-const MachineBundle::Node* MachineBundle::find_i(const std::string& path, std::size_t moment, bool followLast) const {
+const MachineBundle::Node* MachineBundle::find_i(const std::string& path, std::size_t moment,
+                                                 bool followLast) const {
     std::vector<const Node*> walked{m_root.get()};
     std::vector<std::string> pending;
     pushComponents(pending, path);

@@ -34,7 +34,8 @@ namespace pwr {
 class KRCOMMON_API MachineBundle : public MachineFiles {
 public:
     /// Parses a bundle's text. Null with "NAME:LINE: what" in `reason` when it is malformed.
-    static std::unique_ptr<MachineBundle> parse(const std::string& name, std::string_view text, std::string& reason);
+    static std::unique_ptr<MachineBundle> parse(const std::string& name, std::string_view text,
+                                                std::string& reason);
 
     /// Reads and parses a bundle file.
     static std::unique_ptr<MachineBundle> load(const std::string& file, std::string& reason);

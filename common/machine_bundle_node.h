@@ -30,7 +30,8 @@ struct MachineBundle::Node {
     /// The version that holds at a moment; null before the first one and after it went.
     const Version* at(std::size_t moment) const {
         const auto next =
-            std::upper_bound(versions.begin(), versions.end(), moment, [](std::size_t m, const Version& version) { return m < version.moment; });
+            std::upper_bound(versions.begin(), versions.end(), moment,
+                             [](std::size_t m, const Version& version) { return m < version.moment; });
         if (next == versions.begin() || std::prev(next)->kind == Version::Kind::GONE) {
             return nullptr;
         }

@@ -45,7 +45,8 @@ std::string_view takeWord(std::string_view& rest) {
 /// line, so that no message can lack the place.
 class BundleParser {
 public:
-    BundleParser(const std::string& name, std::string_view text, std::string& reason) : m_name(name), m_rest(text), m_reason(reason) {}
+    BundleParser(const std::string& name, std::string_view text, std::string& reason)
+        : m_name(name), m_rest(text), m_reason(reason) {}
 
     std::unique_ptr<MachineBundle> parse() {
         std::string_view line;
@@ -109,7 +110,8 @@ private:
                 return parseEntry_i(row, line);
             }
         }
-        return fail_i("unknown entry \"" + std::string(word) + "\"; known are @, line, file, link, fail, gone, end");
+        return fail_i("unknown entry \"" + std::string(word) +
+                      "\"; known are @, line, file, link, fail, gone, end");
     }
 
     int parseMoment_i(std::string_view text) {
@@ -159,7 +161,8 @@ private:
     int findNode_i(std::string_view text, bool make, Node*& node) {
         std::string path;
         if (text.empty() || text.front() != '/' || text.size() > MAX_PATH_SIZE) {
-            return fail_i("a path must start with \"/\" and be at most " + std::to_string(MAX_PATH_SIZE) + " bytes long");
+            return fail_i("a path must start with \"/\" and be at most " + std::to_string(MAX_PATH_SIZE) +
+                          " bytes long");
         }
         if (decodePath_i(text, path) != 0) {
             return 1;
@@ -170,7 +173,9 @@ private:
             const std::size_t end = std::min(rest.find('/'), rest.size());
             const std::string name(rest.substr(0, end));
             if (name.empty() || name == "." || name == ".." || count > MAX_COMPONENTS) {
-                return fail_i("path " + std::string(text) + " has an empty, \".\" or \"..\" component or more than " + std::to_string(MAX_COMPONENTS));
+                return fail_i("path " + std::string(text) +
+                              " has an empty, \".\" or \"..\" component or more than " +
+                              std::to_string(MAX_COMPONENTS));
             }
             std::unique_ptr<Node>& child = node->children[name];
             if (!child && !make) {
@@ -189,7 +194,8 @@ private:
 
     std::size_t moment_i() const { return m_bundle->m_moments.size() - 1; }
 
-    int add_i(Node& node, Version::Kind kind, std::string_view content, MachineStatus status = MachineStatus::OK) {
+    int add_i(Node& node, Version::Kind kind, std::string_view content,
+              MachineStatus status = MachineStatus::OK) {
         node.versions.push_back({moment_i(), kind, status, std::string(content)});
         return 0;
     }
@@ -206,7 +212,8 @@ private:
             return fail_i("\"file\" needs a path and a number of bytes, got \"" + std::string(rest) + "\"");
         }
         if (size >= m_rest.size()) {
-            return fail_i("content of " + std::to_string(size) + " bytes, but only " + std::to_string(m_rest.size()) + " bytes are left");
+            return fail_i("content of " + std::to_string(size) + " bytes, but only " +
+                          std::to_string(m_rest.size()) + " bytes are left");
         }
         const std::string_view content = m_rest.substr(0, static_cast<std::size_t>(size));
         if (m_rest[content.size()] != '\n') {
@@ -225,7 +232,8 @@ private:
     }
 
     int parseFailure_i(Node& node, std::string_view rest) {
-        for (const MachineStatus status : {MachineStatus::DENIED, MachineStatus::NO_ANSWER, MachineStatus::FAILED}) {
+        for (const MachineStatus status :
+             {MachineStatus::DENIED, MachineStatus::NO_ANSWER, MachineStatus::FAILED}) {
             if (rest == toText(status)) {
                 return add_i(node, Version::Kind::UNREADABLE, "", status);
             }
@@ -274,11 +282,13 @@ private:
 };
 
 const std::array<BundleParser::Row, BundleParser::ROW_COUNT> BundleParser::ROWS{
-    Row{"line", &BundleParser::parseOneLine_i}, Row{"file", &BundleParser::parseFile_i},  Row{"link", &BundleParser::parseLink_i},
-    Row{"fail", &BundleParser::parseFailure_i}, Row{"gone", &BundleParser::parseGone_i},
+    Row{"line", &BundleParser::parseOneLine_i}, Row{"file", &BundleParser::parseFile_i},
+    Row{"link", &BundleParser::parseLink_i},    Row{"fail", &BundleParser::parseFailure_i},
+    Row{"gone", &BundleParser::parseGone_i},
 };
 
-std::unique_ptr<MachineBundle> MachineBundle::parse(const std::string& name, std::string_view text, std::string& reason) {
+std::unique_ptr<MachineBundle> MachineBundle::parse(const std::string& name, std::string_view text,
+                                                    std::string& reason) {
     reason.clear();
     return BundleParser(name, text, reason).parse();
 }

@@ -72,7 +72,8 @@ int BundleWriter::capture(std::uint64_t nanoseconds) {
     }
     for (const auto& [path, entry] : now) {
         const auto last = m_last.find(path);
-        if (last != m_last.end() && last->second.status == entry.status && last->second.isLink == entry.isLink && last->second.content == entry.content) {
+        if (last != m_last.end() && last->second.status == entry.status &&
+            last->second.isLink == entry.isLink && last->second.content == entry.content) {
             continue;
         }
         const std::string place = " " + encodePath(path) + " ";

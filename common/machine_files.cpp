@@ -23,15 +23,26 @@ struct ErrorRow {
 // What the system says when a counter exists but cannot be read at this moment (processor
 // offline, sensor asleep, device gone) is not the reader's fault and passes; hence its own kind.
 constexpr std::array ERROR_ROWS{
-    ErrorRow{0, MachineStatus::OK},           ErrorRow{ENOENT, MachineStatus::MISSING},      ErrorRow{ENOTDIR, MachineStatus::MISSING},
-    ErrorRow{ELOOP, MachineStatus::MISSING},  ErrorRow{EACCES, MachineStatus::DENIED},       ErrorRow{EPERM, MachineStatus::DENIED},
-    ErrorRow{ENXIO, MachineStatus::NO_ANSWER}, ErrorRow{ENODEV, MachineStatus::NO_ANSWER},   ErrorRow{EIO, MachineStatus::NO_ANSWER},
-    ErrorRow{EAGAIN, MachineStatus::NO_ANSWER}, ErrorRow{EBUSY, MachineStatus::NO_ANSWER},   ErrorRow{ENODATA, MachineStatus::NO_ANSWER},
-    ErrorRow{ETIMEDOUT, MachineStatus::NO_ANSWER}, ErrorRow{EINVAL, MachineStatus::NO_ANSWER}, ErrorRow{EOPNOTSUPP, MachineStatus::NO_ANSWER},
+    ErrorRow{0, MachineStatus::OK},
+    ErrorRow{ENOENT, MachineStatus::MISSING},
+    ErrorRow{ENOTDIR, MachineStatus::MISSING},
+    ErrorRow{ELOOP, MachineStatus::MISSING},
+    ErrorRow{EACCES, MachineStatus::DENIED},
+    ErrorRow{EPERM, MachineStatus::DENIED},
+    ErrorRow{ENXIO, MachineStatus::NO_ANSWER},
+    ErrorRow{ENODEV, MachineStatus::NO_ANSWER},
+    ErrorRow{EIO, MachineStatus::NO_ANSWER},
+    ErrorRow{EAGAIN, MachineStatus::NO_ANSWER},
+    ErrorRow{EBUSY, MachineStatus::NO_ANSWER},
+    ErrorRow{ENODATA, MachineStatus::NO_ANSWER},
+    ErrorRow{ETIMEDOUT, MachineStatus::NO_ANSWER},
+    ErrorRow{EINVAL, MachineStatus::NO_ANSWER},
+    ErrorRow{EOPNOTSUPP, MachineStatus::NO_ANSWER},
 };
 
 MachineStatus statusOf(int error) {
-    const auto row = std::find_if(ERROR_ROWS.begin(), ERROR_ROWS.end(), [error](const ErrorRow& r) { return r.error == error; });
+    const auto row = std::find_if(ERROR_ROWS.begin(), ERROR_ROWS.end(),
+                                  [error](const ErrorRow& r) { return r.error == error; });
     return row == ERROR_ROWS.end() ? MachineStatus::FAILED : row->status;
 }
 
@@ -134,7 +145,9 @@ public:
 
     bool exists(const std::string& path) const override {
         std::error_code error;
-        return std::filesystem::symlink_status(m_root + path, error).type() != std::filesystem::file_type::not_found && !error;
+        return std::filesystem::symlink_status(m_root + path, error).type() !=
+                   std::filesystem::file_type::not_found &&
+               !error;
     }
 
     std::unique_ptr<MachineFile> open(const std::string& path, MachineStatus& status) const override {
@@ -182,7 +195,8 @@ std::unique_ptr<MachineFiles> openMachine(const std::string& where, std::string&
     if (type == std::filesystem::file_type::regular) {
         return MachineBundle::load(where, reason);
     }
-    reason = where + (type == std::filesystem::file_type::not_found ? ": no such machine folder or bundle" : ": neither a folder nor a bundle file");
+    reason = where + (type == std::filesystem::file_type::not_found ? ": no such machine folder or bundle"
+                                                                    : ": neither a folder nor a bundle file");
     return nullptr;
 }
 

@@ -50,7 +50,8 @@ int RawFile::readAll(std::string& out) {
         if (used == out.size()) {
             out.resize(out.size() * 2);
         }
-        const ssize_t got = ::pread(m_descriptor, out.data() + used, out.size() - used, static_cast<off_t>(used));
+        const ssize_t got =
+            ::pread(m_descriptor, out.data() + used, out.size() - used, static_cast<off_t>(used));
         if (got < 0 && errno == EINTR) {
             continue;
         }

@@ -27,7 +27,8 @@ RawFile::~RawFile() {
 
 int RawFile::open(const std::string& path) {
     close();
-    const int result = ::_sopen_s(&m_descriptor, path.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT, _SH_DENYNO, _S_IREAD);
+    const int result =
+        ::_sopen_s(&m_descriptor, path.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT, _SH_DENYNO, _S_IREAD);
     if (result != 0) {
         m_descriptor = -1;
     }
@@ -69,7 +70,8 @@ int RawFile::readAll(std::string& out) {
 int listFolder(const std::string& path, std::vector<std::string>& names) {
     names.clear();
     std::error_code error;
-    for (auto entry = std::filesystem::directory_iterator(path, error); !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+    for (auto entry = std::filesystem::directory_iterator(path, error);
+         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         names.push_back(entry->path().filename().string());
     }
     return error ? errorNumber(error) : 0;
