@@ -1,0 +1,15 @@
+#include "common/metadata/operation_metadata.h"
+
+namespace pwr {
+
+OperationMetadata::OperationMetadata() : Metadata(__metadata_data_type::OPERATION) {}
+
+OperationMetadata::OperationMetadata(std::string name, std::string operation, pw_u32_t size,
+                                     std::string orgMsgTag, ValueList values)
+    : Metadata(__metadata_data_type::OPERATION), m_name(std::move(name)), m_operation(std::move(operation)),
+      m_size(size), m_orgMsgTag(std::move(orgMsgTag)), m_values(std::move(values)) {}
+
+CONSTANTOperationMetadata::CONSTANTOperationMetadata(std::string name, ValueList values)
+    : OperationMetadata(std::move(name), c_operation, 0, "", std::move(values)) {}
+
+} // namespace pwr

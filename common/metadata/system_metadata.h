@@ -1,0 +1,98 @@
+#pragma once
+
+#include "common/driver_interface.h"
+#include "common/export.h"
+#include "common/metadata/metadata.h"
+#include "common/metadata/platform_metadata.h"
+#include "common/metadata/saved_version.h"
+#include "common/pw_types.h"
+#include "common/tw_clock.h"
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace pwr {
+
+class CPUMetadata;
+
+/// A PCI device of the machine that a collection ran on: where it is, what it is, how it is called.
+struct PCIDevice {
+    pw_u16_t segment = 0;
+    pw_u8_t bus = 0;
+    pw_u8_t device = 0;
+    pw_u8_t function = 0;
+    pw_u16_t vendor = 0;
+    pw_u16_t deviceId = 0;
+    std::string name;
+};
+
+/// The one record that describes a collection as a whole: versions, machine and operating system,
+/// clocks and times, command line, sample counts, and the platform objects, which it owns.
+/// The fields stand in the order in which they are saved. Frequencies are in MHz, time values
+/// ("timeval") in microseconds since 1970 UTC, ticks are those of the default clock.
+/// platformName, hostName, osName, osType and osVersion must be filled before saving, and the
+/// command line must not hold empty arguments: a saved record without them cannot be read back.
+class KRCOMMON_API SystemMetadata : public Metadata {
+public:
+    SystemMetadata();
+    ~SystemMetadata() override;
+    SystemMetadata(const SystemMetadata&) = delete;
+    SystemMetadata& operator=(const SystemMetadata&) = delete;
+
+    std::map<pw_u32_t, std::string> sidMap;      ///< stream id to clock UUID; UUIDs are not empty
+    pw_u32_t appVersion = c_currentSavedVersion; ///< format version of the record, packed
+    pw_u32_t driverVersion = 0;                  ///< packed as appVersion
+    pw_u32_t scuVersion = 0;
+    std::string platformName;
+    std::string hostName;
+    std::string osName;
+    std::string osType;
+    std::string osVersion;
+    float twaClockFreq = 0.0F;        ///< frequency of the default clock, MHz
+    pw_u64_t startTSC = 0;            ///< reading of the default clock at collection begin
+    pw_u64_t stopTSC = 0;             ///< the same at collection end
+    pw_u64_t startTimeval = 0;        ///< collection begin
+    pw_u64_t stopTimeval = 0;         ///< collection end
+    pw_u16_t pollingInterval = 0;     ///< milliseconds
+    bool immediateMode = false;       ///< single readings without sampling over time
+    std::vector<std::string> cmdLine; ///< arguments of the collection
+    pw_u64_t producedSamples = 0;
+    pw_u64_t droppedSamples = 0;
+    bool lowOverheadMode = false;
+    std::vector<std::pair<std::string, std::string>> platformSpecifiers; ///< (name, value)
+    bool hyperVEnabled = false;
+    bool vsmEnabled = false;
+    bool edramCapable = false;
+    pw_u32_t igfxId = 0; ///< PCI device id of the integrated graphics, 0 for none
+    std::string driverBuildDate;
+    pw_u64_t programStartTimeval = 0;
+    pw_u64_t programStopTimeval = 0;
+    std::string appBuildDate;
+    pw_u32_t continuousQuantum = 0; ///< length of one piece of a continuous collection, seconds; 0 for none
+    std::deque<TWClockSync> clockSyncs; ///< readings of other clocks taken together with the default clock
+    bool hvciEnabled = false;
+    std::string nonNumericVersion;
+    std::string buildRef;
+    std::string packageType;
+    bool vtioEnabled = false;
+    std::map<pw_u16_t, _tw_aggregator_info> tafEndpoints; ///< endpoint id to endpoint
+    std::vector<PCIDevice> pciDevices;
+    std::map<PlatformType, std::unique_ptr<PlatformMetadata>> platformMetadata;
+
+    /// Takes ownership of the object and replaces (deletes) an earlier one of the type; null removes it.
+    void setPlatformMetadata(PlatformType type, PlatformMetadata* object);
+    /// Null when there is no object of the type.
+    PlatformMetadata* getPlatformMetadata(PlatformType type);
+    const PlatformMetadata* getPlatformMetadata(PlatformType type) const;
+
+    /// The platform object of the processor; null when there is none, or when what stands under its
+    /// type is no CPUMetadata.
+    CPUMetadata* getCPUMetadata();
+    const CPUMetadata* getCPUMetadata() const;
+};
+
+} // namespace pwr
