@@ -1,0 +1,88 @@
+#include "tarnwell/capture.h"
+
+#include "common/machine_bundle.h"
+#include "common/platform/interrupt.h"
+#include "common/result_file.h"
+#include "tarnwell/collection_clock.h"
+#include "tarnwell/poll_schedule.h"
+#include "tarnwell/settings.h"
+
+#include <cmath>
+
+namespace tarnwell {
+namespace {
+
+constexpr double kDefaultSeconds = 1.0;
+constexpr double kNanosecondsPerSecond = 1e9;
+constexpr double kNanosecondsPerMillisecond = 1e6;
+// Moments count from one second on, so that no reading of a replay is stamped 0.
+constexpr std::uint64_t kFirstMoment = 1000000000;
+
+const std::vector<std::string>& capturedPaths() {
+    static const std::vector<std::string> paths = {
+        "/proc/cpuinfo",
+        "/proc/stat",
+        "/proc/meminfo",
+        "/proc/vmstat",
+        "/proc/interrupts",
+        "/proc/softirqs",
+        "/proc/diskstats",
+        "/proc/net/dev",
+        "/proc/sys/kernel/hostname",
+        "/proc/sys/kernel/ostype",
+        "/proc/sys/kernel/osrelease",
+        "/proc/sys/kernel/arch",
+        "/sys/devices/system/cpu/*",
+        "/sys/devices/system/cpu/cpu*/*",
+        "/sys/devices/system/cpu/cpu*/topology/*",
+        "/sys/devices/system/cpu/cpu*/cpuidle/state*/*",
+        "/sys/devices/system/cpu/cpu*/cpufreq/*",
+        "/sys/devices/cpu_core/cpus",
+        "/sys/devices/cpu_atom/cpus",
+        "/sys/class/net/*",
+        "/sys/class/net/*/statistics/*",
+        "/sys/block/*",
+        "/sys/block/*/stat",
+        "/sys/class/hwmon/*",
+        "/sys/class/hwmon/*/*",
+        "/sys/class/thermal/*",
+        "/sys/class/thermal/*/*",
+    };
+    return paths;
+}
+
+} // namespace
+
+int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, std::string& reason) {
+    CollectionClock clock(machine);
+    const double nanosecondsPerTick = kNanosecondsPerSecond / clock.ticksPerSecond();
+    const auto ticksOf = [&](double nanoseconds) {
+        return static_cast<std::uint64_t>(std::llround(nanoseconds / nanosecondsPerTick));
+    };
+    const std::uint64_t begin = clock.now();
+    const double seconds = settings.seconds.value_or(kDefaultSeconds);
+    PollSchedule schedule(begin, ticksOf(settings.intervalMs * kNanosecondsPerMillisecond),
+                          begin + ticksOf(seconds * kNanosecondsPerSecond));
+    pwr::BundleWriter writer(machine, capturedPaths());
+    for (std::uint64_t deadline = begin;;) {
+        while (clock.now() < deadline && pwr::platform::interruptCount() == 0) {
+            clock.waitUntil(deadline, nullptr);
+        }
+        const double passed = static_cast<double>(clock.now() - begin) * nanosecondsPerTick;
+        writer.capture(kFirstMoment + static_cast<std::uint64_t>(std::llround(passed)));
+        if (pwr::platform::interruptCount() > 0 || schedule.isStop(deadline)) {
+            break;
+        }
+        deadline = schedule.nextDeadline(clock.now());
+    }
+    pwr::ResultFile file;
+    const std::string text = writer.text();
+    if (file.open(settings.captureFile, reason) != 0 || file.write(text.data(), text.size()) != 0 ||
+        file.commit(reason) != 0) {
+        reason = "cannot write " + settings.captureFile + ": " + reason;
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace tarnwell

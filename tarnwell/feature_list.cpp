@@ -1,0 +1,44 @@
+#include "tarnwell/feature_list.h"
+
+#include "common/plugin/collector_plugin.h"
+
+#include <algorithm>
+
+namespace tarnwell {
+
+FeatureList::FeatureList(const std::vector<CollectorPlugin*>& collectors) {
+    for (const CollectorPlugin* collector : collectors) {
+        for (const PluginCapability* capability : collector->getCapabilities()) {
+            if (capability->isHidden()) {
+                continue;
+            }
+            Feature feature{capability->getName(), capability->getDescription(), capability->isAvailable(),
+                            capability->getReason(), capability->getFix()};
+            const auto known = std::find_if(m_features.begin(), m_features.end(),
+                                            [&](const Feature& other) { return other.name == feature.name; });
+            if (known == m_features.end()) {
+                m_features.push_back(std::move(feature));
+            } else if (!known->isAvailable && feature.isAvailable) {
+                *known = std::move(feature);
+            }
+        }
+    }
+}
+
+const Feature* FeatureList::find(const std::string& name) const {
+    const auto at = std::find_if(m_features.begin(), m_features.end(),
+                                 [&](const Feature& feature) { return feature.name == name; });
+    return at == m_features.end() ? nullptr : &*at;
+}
+
+std::string FeatureList::names(bool available) const {
+    std::string text;
+    for (const Feature& feature : m_features) {
+        if (feature.isAvailable == available) {
+            text += (text.empty() ? "" : ", ") + feature.name;
+        }
+    }
+    return text;
+}
+
+} // namespace tarnwell

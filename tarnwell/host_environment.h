@@ -1,0 +1,43 @@
+#pragma once
+
+#include "tarnwell/collection_clock.h"
+#include "tarnwell/standard_streams.h"
+
+#include <set>
+#include <string>
+
+class WriterPlugin;
+class WriterStream;
+
+namespace tarnwell {
+
+struct Settings;
+
+/// Fills the process-wide environment for one run and empties it again: loggers on the standard streams,
+/// the default clock, the folder of the library, the result prefix, and the writer stream.
+class HostEnvironment {
+public:
+    HostEnvironment(const Settings& settings, CollectionClock& clock);
+    HostEnvironment(const HostEnvironment&) = delete;
+    HostEnvironment& operator=(const HostEnvironment&) = delete;
+    ~HostEnvironment();
+
+    /// Where the library lies, with a separator at the end; plug-ins and configuration stand beside it.
+    const std::string& folder() const;
+
+    /// Makes the stream that results are pushed into, on the writers of @p writers, which must outlive it.
+    void openStream(std::set<WriterPlugin*>& writers);
+    WriterStream& stream() { return *m_stream; }
+    void closeStream();
+
+    /// True when something of the results could not be written to standard output.
+    bool hasOutputFailed() const { return m_output.hasFailed(); }
+
+private:
+    StreamLogger m_output{stdout};
+    StreamLogger m_errors{stderr};
+    pwr::Logger m_discard;
+    WriterStream* m_stream = nullptr;
+};
+
+} // namespace tarnwell

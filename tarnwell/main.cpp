@@ -1,0 +1,25 @@
+#include "common/platform/program.h"
+#include "tarnwell/run.h"
+#include "tarnwell/settings.h"
+
+#include <cstdio>
+#include <exception>
+
+int main(int argc, char** argv) {
+    pwr::platform::useBinaryStreams();
+    const tarnwell::ParsedCommandLine parsed =
+        tarnwell::parseCommandLine(pwr::platform::commandLineArguments(argc, argv));
+    std::fputs(parsed.output.c_str(), stdout);
+    std::fputs(parsed.error.c_str(), stderr);
+    if (!parsed.settings) {
+        return parsed.exitCode;
+    }
+    try {
+        return tarnwell::run(*parsed.settings);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "tarnwell: %s\n", error.what());
+    } catch (const char* text) {
+        std::fprintf(stderr, "tarnwell: %s\n", text);
+    }
+    return 1;
+}

@@ -1,0 +1,97 @@
+#include "tarnwell/report.h"
+
+#include "common/metadata/system_metadata.h"
+#include "common/plugin/metric_plugin.h"
+#include "common/pw_utils.h"
+#include "common/result_file.h"
+#include "common/writer/writer_message.h"
+#include "common/writer/writer_stream.h"
+#include "common/writer/writer_stream_host.h"
+#include "tarnwell/collection.h"
+#include "tarnwell/collection_clock.h"
+#include "tarnwell/host_environment.h"
+#include "tarnwell/message_set.h"
+#include "tarnwell/settings.h"
+
+#include <array>
+#include <cstdio>
+
+namespace tarnwell {
+namespace {
+
+std::string milliseconds(double value) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.1f ms", value);
+    return text.data();
+}
+
+} // namespace
+
+void describeRun(const Settings& settings, const CollectionClock& clock, pwr::SystemMetadata& system) {
+    system.twaClockFreq = clock.source().getFrequency();
+    system.pollingInterval = static_cast<pw_u16_t>(settings.intervalMs);
+    system.cmdLine.push_back("tarnwell");
+    for (const std::string& feature : settings.features) {
+        system.cmdLine.insert(system.cmdLine.end(), {"--feature", feature});
+    }
+    system.cmdLine.insert(system.cmdLine.end(), {"--interval", std::to_string(settings.intervalMs)});
+    if (!settings.command.empty()) {
+        system.cmdLine.push_back("--");
+        for (const std::string& word : settings.command) {
+            if (!word.empty()) {
+                system.cmdLine.push_back(word);
+            }
+        }
+    }
+}
+
+std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const MessageSet& messages,
+                                     const std::vector<std::string>& absent, const std::vector<std::string>& missing) {
+    std::vector<std::string> notes;
+    notes.push_back(std::to_string(outcome.polls) + " polls; interval achieved: mean " +
+                    milliseconds(outcome.meanIntervalMs) + ", longest " + milliseconds(outcome.longestIntervalMs) +
+                    "; missed ticks: " + std::to_string(outcome.missedTicks));
+    if (messages.missingValues() > 0) {
+        notes.push_back("Values that could not be read: " + std::to_string(messages.missingValues()) + " of " +
+                        std::to_string(messages.missingValues() + messages.producedValues()));
+    }
+    for (const std::string& problem : messages.problems()) {
+        notes.push_back("Missing: " + problem);
+    }
+    for (const std::string& feature : missing) {
+        notes.push_back("Missing: " + feature);
+    }
+    for (const std::string& feature : absent) {
+        notes.push_back("Not on this machine: " + feature);
+    }
+    return notes;
+}
+
+int writeReport(HostEnvironment& environment, const std::vector<MetricPlugin*>& metrics,
+                const pwr::SystemMetadata& system, const std::vector<std::string>& notes) {
+    WriterStream& stream = environment.stream();
+    pwr::SystemMessage message(&system);
+    stream.pushMessage(message);
+    for (MetricPlugin* metric : metrics) {
+        metric->finalizeCollection(system.stopTSC);
+    }
+    for (const std::string& note : notes) {
+        stream.pushTextMessage(note);
+    }
+    return pwr::WriterStreamHost::flush(stream);
+}
+
+std::string outputPrefixProblem(const std::string& prefix) {
+    if (prefix.empty()) {
+        return {};
+    }
+    if (pwr::PathOps::getFilenameFromPath(pwr::PathOps::normalizePathSeparator(prefix)).empty()) {
+        return "--output " + prefix + ": names a folder; give a file name to start the result files with";
+    }
+    // Writing and dropping an uncommitted file is the only test that knows rights, disks and read-only mounts.
+    pwr::ResultFile probe;
+    std::string reason;
+    return probe.open(prefix + ".txt", reason) == 0 ? std::string() : "--output " + prefix + ": " + reason;
+}
+
+} // namespace tarnwell
