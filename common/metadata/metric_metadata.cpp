@@ -12,4 +12,9 @@ pw_u32_t MetricMetadata::getPluginID() const {
     return m_pluginId;
 }
 
+void MetricMetadata::setIDs(pw_u32_t pluginId, pw_u32_t metricId) {
+    m_pluginId = pluginId;
+    m_metricId = metricId;
+}
+
 } // namespace pwr

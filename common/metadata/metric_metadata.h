@@ -26,6 +26,8 @@ public:
     pw_u32_t getMetricID() const { return m_metricId; }
     /// (key, value) in the order of declaration.
     const ValueList& getValues() const { return m_values; }
+    /// The host's numbers in the place of the collector's own.
+    void setIDs(pw_u32_t pluginId, pw_u32_t metricId);
 
 private:
     pw_u32_t m_pluginId = 0;

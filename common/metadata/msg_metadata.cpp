@@ -19,6 +19,12 @@ pw_u32_t MsgMetadata::getPluginID() const {
     return m_pluginId;
 }
 
+void MsgMetadata::setIDs(pw_u32_t pluginId, pw_u32_t metricId, pw_u32_t msgId) {
+    m_pluginId = pluginId;
+    m_metricId = metricId;
+    m_msgId = msgId;
+}
+
 void MsgMetadata::addCapGroup(std::string group) {
     m_capGroups.insert(std::move(group));
 }

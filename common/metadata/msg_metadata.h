@@ -42,6 +42,8 @@ public:
     /// Tracepoints whose occurrence executes the message.
     const std::set<std::string>& getTracepointNames() const { return m_tracepointNames; }
 
+    /// The host's numbers in the place of the collector's own.
+    void setIDs(pw_u32_t pluginId, pw_u32_t metricId, pw_u32_t msgId);
     void addCapGroup(std::string group);
     void addTrigger(std::string trigger);
     void addTracepointName(std::string name);
