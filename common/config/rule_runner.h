@@ -48,8 +48,7 @@ private:
 
 /// One rule of a grammar: its name, which stands in the diagnostics, and the function that applies it, which
 /// returns 0 or, when the statement breaks the rule, something else.
-template <class Grammar>
-struct Rule {
+template <class Grammar> struct Rule {
     const char* name;
     int (Grammar::*apply)();
 };
@@ -59,8 +58,7 @@ KRCOMMON_API void reportFailedRule(const char* traceTag, const char* ruleName);
 
 /// The rules of one grammar, in one table that is indexed by the grammar's own enumeration of rules.
 /// A rule calls another through call(), so that a failure names the chain of rules from the innermost outwards.
-template <class Grammar, class RuleId, std::size_t COUNT>
-class RuleTable {
+template <class Grammar, class RuleId, std::size_t COUNT> class RuleTable {
 public:
     constexpr RuleTable(const char* traceTag, const std::array<Rule<Grammar>, COUNT>& rules)
         : m_traceTag(traceTag), m_rules(rules) {}

@@ -11,6 +11,8 @@
 
 namespace pwr {
 
+struct OutputConfigEntries;
+
 /// Reads the output configuration: which tables a metric container shows, their titles and notes, and the order
 /// of features, of containers within a feature and of tables within a container.
 /// Statements:  ALL_OUTPUT-ORDER_TAG_FEATURE_ORDER=feature, feature, ...
@@ -55,11 +57,9 @@ public:
     bool getAllFeaturePrefixes(std::deque<std::string>& prefixes) const;
 
 private:
-    struct State;
-
     WriterInterfaceConfigFileParser();
 
-    std::unique_ptr<State> m_state;
+    std::unique_ptr<OutputConfigEntries> m_entries;
 };
 
 } // namespace pwr

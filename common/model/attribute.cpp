@@ -10,8 +10,7 @@ namespace pwr {
 
 namespace {
 
-template <class Iterator>
-Iterator findPlace(Iterator first, Iterator last, const Attribute* attribute) {
+template <class Iterator> Iterator findPlace(Iterator first, Iterator last, const Attribute* attribute) {
     return std::lower_bound(first, last, attribute->getId(),
                             [](const auto& value, std::uint64_t id) { return value.first->getId() < id; });
 }
@@ -23,8 +22,7 @@ AttributeDescription::AttributeDescription(const std::string& name, const std::s
     : Description(DescriptionType::ATTRIBUTE, name, shortName), m_dataType(dataType), m_quantity(quantity) {}
 
 Attribute::Attribute(const AttributeDescription& description)
-    : DataHandle(description, DataHandleType::ATTRIBUTE),
-      m_dataType(description.getDataType()),
+    : DataHandle(description, DataHandleType::ATTRIBUTE), m_dataType(description.getDataType()),
       m_quantity(description.getQuantity()) {}
 
 const Attribute* Attribute::create(const AttributeDescription& description) {

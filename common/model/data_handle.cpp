@@ -7,12 +7,9 @@
 namespace pwr {
 
 DataHandle::DataHandle(const Description& description, DataHandleType handleType)
-    : m_name(description.getName()),
-      m_fieldName(description.getFieldName()),
-      m_shortName(description.getShortName()),
-      m_description(description.getDescription()),
-      m_header(description.getHeader()),
-      m_handleType(handleType) {}
+    : m_name(description.getName()), m_fieldName(description.getFieldName()),
+      m_shortName(description.getShortName()), m_description(description.getDescription()),
+      m_header(description.getHeader()), m_handleType(handleType) {}
 
 DataHandle::~DataHandle() = default;
 

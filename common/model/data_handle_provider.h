@@ -42,8 +42,7 @@ public:
     static int removeStream(const WriterStream* stream);
 
     /// Registers a finished object: lists it, maps its id and announces it. Returns it for the caller's use.
-    template <class Kind>
-    static Kind* adopt(std::unique_ptr<Kind> made) {
+    template <class Kind> static Kind* adopt(std::unique_ptr<Kind> made) {
         Kind* const kept = made.get();
         registerId(std::unique_ptr<const UniqueId>(std::move(made)));
         return kept;

@@ -11,8 +11,7 @@ FieldDescription::FieldDescription(const std::string& name, const std::string& s
     : Description(DescriptionType::FIELD, name, shortName), m_dataType(dataType), m_quantity(quantity) {}
 
 Field::Field(const FieldDescription& description)
-    : DataHandle(description, DataHandleType::FIELD),
-      m_dataType(description.getDataType()),
+    : DataHandle(description, DataHandleType::FIELD), m_dataType(description.getDataType()),
       m_quantity(description.getQuantity()) {}
 
 const Field* Field::create(const FieldDescription& description) {
