@@ -94,9 +94,9 @@ void describeMachine(const pwr::MachineFiles& machine, bool isLive, pwr::SystemM
     auto cpu = std::make_unique<pwr::CPUMetadata>();
     cpu->setFMS(static_cast<pw_u8_t>(processor.family), static_cast<pw_u8_t>(processor.model),
                 static_cast<pw_u8_t>(processor.stepping));
-    cpu->setLFMFrequency(frequencyOf(machine, "cpuinfo_min_freq"));
-    cpu->setHFMFrequency(frequencyOf(machine, "cpuinfo_max_freq"));
-    cpu->setBaseOperatingFrequency(frequencyOf(machine, "base_frequency"));
+    cpu->lfmFreq = frequencyOf(machine, "cpuinfo_min_freq");
+    cpu->hfmFreq = frequencyOf(machine, "cpuinfo_max_freq");
+    cpu->baseOpFreq = frequencyOf(machine, "base_frequency");
     cpu->buildTopology(topologyText(machine, isLive), 0);
     system.setPlatformMetadata(pwr::PlatformType::CPU, cpu.release());
 }
