@@ -56,7 +56,7 @@ concept NarrowInteger = std::integral<T> && !std::same_as<T, bool> && !std::same
 /// The intake copies and assigns values for every sample, so copying a number without a formatter
 /// is a few stores: text is touched only when one of the two sides holds some.
 class KRCOMMON_API Data {
-  public:
+public:
     using IntRange = std::pair<std::int64_t, std::int64_t>;
     using UIntRange = std::pair<std::uint64_t, std::uint64_t>;
     using RealRange = std::pair<double, double>;
@@ -64,16 +64,12 @@ class KRCOMMON_API Data {
     /// A value of type NONE; the first number or string that is stored decides the type.
     Data() noexcept : Data(DataType::NONE, 0, 0, false) {}
     /// A value of the given type that is not set yet.
-    explicit Data(DataType type) : Data() {
-        init_i(type);
-    }
+    explicit Data(DataType type) : Data() { init_i(type); }
     Data(std::int64_t value) noexcept : Data(DataType::INT, std::bit_cast<std::uint64_t>(value), 0, true) {}
     Data(std::uint64_t value) noexcept : Data(DataType::UINT, value, 0, true) {}
     Data(double value) noexcept : Data(DataType::REAL, std::bit_cast<std::uint64_t>(value), 0, true) {}
     template <NarrowInteger T> Data(T value) noexcept : Data(widen_i(value)) {}
-    Data(const std::string& value) : Data(DataType::STRING, 0, 0, true) {
-        m_text = value;
-    }
+    Data(const std::string& value) : Data(DataType::STRING, 0, 0, true) { m_text = value; }
     Data(const char* value) : Data(std::string(value)) {}
     /// Refers to a handle by its id; the handle itself is neither copied nor kept.
     Data(const DataHandle& handle);
@@ -81,10 +77,12 @@ class KRCOMMON_API Data {
     Data(const UIntRange& range) noexcept : Data(range.first, range.second) {}
     Data(const RealRange& range) noexcept : Data(range.first, range.second) {}
     Data(std::int64_t low, std::int64_t high) noexcept
-        : Data(DataType::INT_RANGE, std::bit_cast<std::uint64_t>(low), std::bit_cast<std::uint64_t>(high), true) {}
+        : Data(DataType::INT_RANGE, std::bit_cast<std::uint64_t>(low), std::bit_cast<std::uint64_t>(high),
+               true) {}
     Data(std::uint64_t low, std::uint64_t high) noexcept : Data(DataType::UINT_RANGE, low, high, true) {}
     Data(double low, double high) noexcept
-        : Data(DataType::REAL_RANGE, std::bit_cast<std::uint64_t>(low), std::bit_cast<std::uint64_t>(high), true) {}
+        : Data(DataType::REAL_RANGE, std::bit_cast<std::uint64_t>(low), std::bit_cast<std::uint64_t>(high),
+               true) {}
 
     Data(const Data& other)
         : m_words{other.m_words[0], other.m_words[1]}, m_helper(other.m_helper), m_type(other.m_type),
@@ -112,19 +110,11 @@ class KRCOMMON_API Data {
     int setValue(std::int64_t value) {
         return setScalar_i(DataType::INT, std::bit_cast<std::uint64_t>(value));
     }
-    int setValue(std::uint64_t value) {
-        return setScalar_i(DataType::UINT, value);
-    }
-    int setValue(double value) {
-        return setScalar_i(DataType::REAL, std::bit_cast<std::uint64_t>(value));
-    }
-    template <NarrowInteger T> int setValue(T value) {
-        return setValue(widen_i(value));
-    }
+    int setValue(std::uint64_t value) { return setScalar_i(DataType::UINT, value); }
+    int setValue(double value) { return setScalar_i(DataType::REAL, std::bit_cast<std::uint64_t>(value)); }
+    template <NarrowInteger T> int setValue(T value) { return setValue(widen_i(value)); }
     int setValue(const std::string& value);
-    int setValue(const char* value) {
-        return setValue(std::string(value));
-    }
+    int setValue(const char* value) { return setValue(std::string(value)); }
     /// Ranges and handles never adopt a type, and a refused one still counts as set.
     int setValue(const IntRange& range) {
         return setFixed_i(DataType::INT_RANGE, std::bit_cast<std::uint64_t>(range.first),
@@ -142,23 +132,13 @@ class KRCOMMON_API Data {
     /// A source that is NONE, unset or invalid is refused (1) and changes nothing.
     int setValue(const Data& other);
 
-    DataType getType() const {
-        return m_type;
-    }
-    bool isSet() const {
-        return m_set;
-    }
-    bool isValid() const {
-        return m_valid;
-    }
+    DataType getType() const { return m_type; }
+    bool isSet() const { return m_set; }
+    bool isValid() const { return m_valid; }
     /// Payload and the set flag stay; the next stored value makes the object usable again.
-    void invalidate() {
-        m_valid = false;
-    }
+    void invalidate() { m_valid = false; }
     /// Integers, reals and their ranges.
-    bool isNumeric() const {
-        return m_type >= DataType::INT && m_type <= DataType::REAL_RANGE;
-    }
+    bool isNumeric() const { return m_type >= DataType::INT && m_type <= DataType::REAL_RANGE; }
 
     /// Getters: 0 and the payload, or 1 with the output untouched.
     int toInt(std::int64_t& value) const {
@@ -235,30 +215,23 @@ class KRCOMMON_API Data {
         if (!m_valid) return !other.m_valid;
         return equalPayload_i(other);
     }
-    bool operator!=(const Data& other) const {
-        return !(*this == other);
-    }
-    bool operator>(const Data& other) const {
-        return !(*this < other) && !(*this == other);
-    }
-    bool operator<=(const Data& other) const {
-        return *this < other || *this == other;
-    }
-    bool operator>=(const Data& other) const {
-        return !(*this < other);
-    }
+    bool operator!=(const Data& other) const { return !(*this == other); }
+    bool operator>(const Data& other) const { return !(*this < other) && !(*this == other); }
+    bool operator<=(const Data& other) const { return *this < other || *this == other; }
+    bool operator>=(const Data& other) const { return !(*this < other); }
 
-  protected:
+protected:
     /// Makes this an unset value of the type, without a custom formatter. An unknown number is kept
     /// as the type with the helper of INT, so that every later access fails by its type.
     void init_i(DataType type);
 
-  private:
+private:
     friend class HandleHelper;
+    friend class StringHelper;
 
     Data(DataType type, std::uint64_t first, std::uint64_t second, bool usable) noexcept
-        : m_words{first, second}, m_helper(g_dataHelpers[static_cast<unsigned>(type)]), m_type(type), m_valid(usable),
-          m_set(usable) {}
+        : m_words{first, second}, m_helper(g_dataHelpers[static_cast<unsigned>(type)]), m_type(type),
+          m_valid(usable), m_set(usable) {}
 
     template <class T> static constexpr auto widen_i(T value) {
         if constexpr (std::is_signed_v<T>)
@@ -266,9 +239,7 @@ class KRCOMMON_API Data {
         else
             return static_cast<std::uint64_t>(value);
     }
-    bool isUsable_i() const {
-        return m_set && m_valid;
-    }
+    bool isUsable_i() const { return m_set && m_valid; }
     bool isReadable_i(DataType wanted) const {
         if (m_type != wanted) {
             warnUnreadable_i(wanted);
@@ -293,7 +264,8 @@ class KRCOMMON_API Data {
     bool lessPayload_i(const Data& other) const {
         if (m_type == DataType::UINT) return other.isUsable_i() && m_words[0] < other.m_words[0];
         if (m_type == DataType::REAL)
-            return other.isUsable_i() && std::bit_cast<double>(m_words[0]) < std::bit_cast<double>(other.m_words[0]);
+            return other.isUsable_i() &&
+                   std::bit_cast<double>(m_words[0]) < std::bit_cast<double>(other.m_words[0]);
         if (m_type == DataType::INT)
             return other.isUsable_i() &&
                    std::bit_cast<std::int64_t>(m_words[0]) < std::bit_cast<std::int64_t>(other.m_words[0]);
@@ -303,7 +275,8 @@ class KRCOMMON_API Data {
         if (m_type == DataType::UINT || m_type == DataType::INT)
             return other.isUsable_i() && m_words[0] == other.m_words[0];
         if (m_type == DataType::REAL)
-            return other.isUsable_i() && std::bit_cast<double>(m_words[0]) == std::bit_cast<double>(other.m_words[0]);
+            return other.isUsable_i() &&
+                   std::bit_cast<double>(m_words[0]) == std::bit_cast<double>(other.m_words[0]);
         return equalByHelper_i(other);
     }
 

@@ -12,7 +12,7 @@ class Data;
 /// decisions by type. The operations return 0, or 1 after a warning; without a warning where the
 /// type simply has no such seed, or an operand is unset.
 class KRCOMMON_API DataHelper {
-  public:
+public:
     virtual ~DataHelper();
     virtual int initZero(Data& target) const = 0;
     virtual int accumulate(Data& target, const Data& input) const;
@@ -25,7 +25,7 @@ class KRCOMMON_API DataHelper {
     /// Never null; belongs to the helper.
     virtual const Formatter* defaultFormatter() const = 0;
 
-  protected:
+protected:
     constexpr DataHelper() noexcept = default;
     DataHelper(const DataHelper&) = default;
     DataHelper& operator=(const DataHelper&) = default;
@@ -33,7 +33,7 @@ class KRCOMMON_API DataHelper {
 
 /// Signed integers; sums wrap in two's complement.
 class KRCOMMON_API IntHelper : public DataHelper {
-  public:
+public:
     constexpr IntHelper() noexcept = default;
     ~IntHelper() override;
     int initZero(Data& target) const override;
@@ -45,13 +45,13 @@ class KRCOMMON_API IntHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     IntFormatter m_formatter{0, false};
 };
 
 /// Unsigned integers; sums wrap modulo 2^64.
 class KRCOMMON_API UIntHelper : public DataHelper {
-  public:
+public:
     constexpr UIntHelper() noexcept = default;
     ~UIntHelper() override;
     int initZero(Data& target) const override;
@@ -63,13 +63,13 @@ class KRCOMMON_API UIntHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     UIntFormatter m_formatter{0, false};
 };
 
 /// Reals; they also sum up integers, and both ends of a real range.
 class KRCOMMON_API RealHelper : public DataHelper {
-  public:
+public:
     constexpr RealHelper() noexcept = default;
     ~RealHelper() override;
     int initZero(Data& target) const override;
@@ -81,14 +81,14 @@ class KRCOMMON_API RealHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     RealFormatter m_formatter{0, 2};
 };
 
 /// Ranges of signed integers: a number is added to both ends, a range end to end. Ranges compare by
 /// their low ends only. An operand that is not usable counts as 0.
 class KRCOMMON_API IntRangeHelper : public DataHelper {
-  public:
+public:
     constexpr IntRangeHelper() noexcept = default;
     ~IntRangeHelper() override;
     int initZero(Data& target) const override;
@@ -100,13 +100,13 @@ class KRCOMMON_API IntRangeHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     IntFormatter m_formatter{0, false};
 };
 
 /// Ranges of unsigned integers, as IntRangeHelper.
 class KRCOMMON_API UIntRangeHelper : public DataHelper {
-  public:
+public:
     constexpr UIntRangeHelper() noexcept = default;
     ~UIntRangeHelper() override;
     int initZero(Data& target) const override;
@@ -118,13 +118,13 @@ class KRCOMMON_API UIntRangeHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     UIntFormatter m_formatter{0, false};
 };
 
 /// Ranges of reals, as IntRangeHelper; every number and range is taken as a real.
 class KRCOMMON_API RealRangeHelper : public DataHelper {
-  public:
+public:
     constexpr RealRangeHelper() noexcept = default;
     ~RealRangeHelper() override;
     int initZero(Data& target) const override;
@@ -136,13 +136,13 @@ class KRCOMMON_API RealRangeHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     RealFormatter m_formatter{0, 2};
 };
 
 /// Strings: an order and a text form, no arithmetic.
 class KRCOMMON_API StringHelper : public DataHelper {
-  public:
+public:
     constexpr StringHelper() noexcept = default;
     ~StringHelper() override;
     int initZero(Data& target) const override;
@@ -152,13 +152,13 @@ class KRCOMMON_API StringHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     StringFormatter m_formatter{0};
 };
 
 /// References to handles, ordered by the handle's id; the handle need not be known.
 class KRCOMMON_API HandleHelper : public DataHelper {
-  public:
+public:
     constexpr HandleHelper() noexcept = default;
     ~HandleHelper() override;
     int initZero(Data& target) const override;
@@ -168,13 +168,13 @@ class KRCOMMON_API HandleHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     HandleFormatter m_formatter{0};
 };
 
 /// Values without a type: everything fails, order and text form with a warning of their own.
 class KRCOMMON_API VoidHelper : public DataHelper {
-  public:
+public:
     constexpr VoidHelper() noexcept = default;
     ~VoidHelper() override;
     int initZero(Data& target) const override;
@@ -184,7 +184,7 @@ class KRCOMMON_API VoidHelper : public DataHelper {
     bool equal(const Data& left, const Data& right) const override;
     const Formatter* defaultFormatter() const override;
 
-  private:
+private:
     VoidFormatter m_formatter;
 };
 

@@ -14,7 +14,7 @@ class Data;
 /// A value that the formatter's type cannot read gives 1 and an empty text; nothing throws.
 /// Formatters are small value objects: whoever keeps one keeps a clone().
 class KRCOMMON_API Formatter {
-  public:
+public:
     explicit constexpr Formatter(int width) noexcept : m_width(width) {}
     virtual ~Formatter();
     /// Replaces `out` by the value's text; 0, or 1 when the value cannot be read.
@@ -22,18 +22,10 @@ class KRCOMMON_API Formatter {
     /// A copy on the heap that the caller owns.
     virtual Formatter* clone() const = 0;
 
-    const std::string& getUnit() const {
-        return m_unit;
-    }
-    bool isHex() const {
-        return m_hex;
-    }
-    int getWidth() const {
-        return m_width;
-    }
-    int getPrecision() const {
-        return m_precision;
-    }
+    const std::string& getUnit() const { return m_unit; }
+    bool isHex() const { return m_hex; }
+    int getWidth() const { return m_width; }
+    int getPrecision() const { return m_precision; }
 
     /// The conversions behind the classes below, usable with any formatter's settings. The three for
     /// numbers also take the range of their type: low end, " -- ", high end, and the unit once.
@@ -49,7 +41,7 @@ class KRCOMMON_API Formatter {
     /// Right-aligns within `width` characters; a longer text stays as it is.
     static void widen(std::string& text, int width);
 
-  protected:
+protected:
     constexpr Formatter(int width, bool hex, int precision) noexcept
         : m_hex(hex), m_width(width), m_precision(precision) {}
     Formatter(const std::string& unit, int width, bool hex, int precision)
@@ -57,8 +49,8 @@ class KRCOMMON_API Formatter {
     Formatter(const Formatter&) = default;
     Formatter& operator=(const Formatter&) = default;
 
-  private:
-    int finish_i(std::string& out, const char* begin, const char* end) const;
+private:
+    int finish_i(std::string& out) const;
 
     std::string m_unit;
     bool m_hex = false;  // integers with "0x" in front, zero without
@@ -68,7 +60,7 @@ class KRCOMMON_API Formatter {
 
 /// INT and INT_RANGE. Negative numbers in hexadecimal show their 16 digits of two's complement.
 class KRCOMMON_API IntFormatter : public Formatter {
-  public:
+public:
     constexpr IntFormatter(int width, bool hex) noexcept : Formatter(width, hex, 0) {}
     IntFormatter(const std::string& unit, int width, bool hex) : Formatter(unit, width, hex, 0) {}
     ~IntFormatter() override;
@@ -78,7 +70,7 @@ class KRCOMMON_API IntFormatter : public Formatter {
 
 /// UINT and UINT_RANGE.
 class KRCOMMON_API UIntFormatter : public Formatter {
-  public:
+public:
     constexpr UIntFormatter(int width, bool hex) noexcept : Formatter(width, hex, 0) {}
     UIntFormatter(const std::string& unit, int width, bool hex) : Formatter(unit, width, hex, 0) {}
     ~UIntFormatter() override;
@@ -88,9 +80,10 @@ class KRCOMMON_API UIntFormatter : public Formatter {
 
 /// REAL and REAL_RANGE, in fixed notation, the same characters as printf's "%.*f" for every double.
 class KRCOMMON_API RealFormatter : public Formatter {
-  public:
+public:
     constexpr RealFormatter(int width, int precision) noexcept : Formatter(width, false, precision) {}
-    RealFormatter(const std::string& unit, int width, int precision) : Formatter(unit, width, false, precision) {}
+    RealFormatter(const std::string& unit, int width, int precision)
+        : Formatter(unit, width, false, precision) {}
     ~RealFormatter() override;
     int format(std::string& out, const Data& value) const override;
     Formatter* clone() const override;
@@ -98,7 +91,7 @@ class KRCOMMON_API RealFormatter : public Formatter {
 
 /// STRING, as it is.
 class KRCOMMON_API StringFormatter : public Formatter {
-  public:
+public:
     explicit constexpr StringFormatter(int width) noexcept : Formatter(width) {}
     ~StringFormatter() override;
     int format(std::string& out, const Data& value) const override;
@@ -107,7 +100,7 @@ class KRCOMMON_API StringFormatter : public Formatter {
 
 /// HANDLE: what the handle is called, see formatHandle().
 class KRCOMMON_API HandleFormatter : public Formatter {
-  public:
+public:
     explicit constexpr HandleFormatter(int width) noexcept : Formatter(width) {}
     ~HandleFormatter() override;
     int format(std::string& out, const Data& value) const override;
@@ -116,7 +109,7 @@ class KRCOMMON_API HandleFormatter : public Formatter {
 
 /// NONE: warns, writes "INVALID" and fails.
 class KRCOMMON_API VoidFormatter : public Formatter {
-  public:
+public:
     constexpr VoidFormatter() noexcept : Formatter(0) {}
     ~VoidFormatter() override;
     int format(std::string& out, const Data& value) const override;

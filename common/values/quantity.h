@@ -33,7 +33,7 @@ enum class QuantityType : std::uint32_t {
 /// its id and is registered when it is first asked for, so that a process that never asks for one
 /// spends no id on it. Not synchronised, like the registry.
 class KRCOMMON_API Quantity : public UniqueId {
-  public:
+public:
     static const Quantity* time();        ///< ticks of the collection clock; rate: MHz
     static const Quantity* frequency();   ///< MHz
     static const Quantity* data();        ///< bytes; rate: MB/s
@@ -58,23 +58,17 @@ class KRCOMMON_API Quantity : public UniqueId {
 
     UniqueIdType getIdType() const override;
 
-    QuantityType toQuantity() const {
-        return m_type;
-    }
-    const std::string& toQuantityString() const {
-        return m_name;
-    }
-    const std::string& toUnitsString() const {
-        return m_unit;
-    }
+    QuantityType toQuantity() const { return m_type; }
+    const std::string& toQuantityString() const { return m_name; }
+    const std::string& toUnitsString() const { return m_unit; }
     /// "Time (ticks)", or the name alone when there is no unit. Always 0.
     int toTitleString(std::string& title) const;
     /// 0 with the rate quantity and the factor, or 1 with null and 1.0 when there is no rate form.
     int getRateConversion(const Quantity*& rateQuantity, double& factor) const;
 
-  private:
-    Quantity(QuantityType type, const std::string& name, const std::string& unit, const Quantity* rateQuantity,
-             double rateFactor);
+private:
+    Quantity(QuantityType type, const std::string& name, const std::string& unit,
+             const Quantity* rateQuantity, double rateFactor);
     static const Quantity* builtIn_i(QuantityType type);
 
     std::string m_name;
