@@ -6,7 +6,7 @@
 #include <exception>
 
 int main(int argc, char** argv) {
-    pwr::platform::useBinaryStreams();
+    pwr::platform::prepareStandardStreams();
     const tarnwell::ParsedCommandLine parsed =
         tarnwell::parseCommandLine(pwr::platform::commandLineArguments(argc, argv));
     std::fputs(parsed.output.c_str(), stdout);

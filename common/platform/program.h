@@ -12,7 +12,8 @@ namespace pwr::platform {
 KRCOMMON_API std::vector<std::string> commandLineArguments(int argc, const char* const* argv);
 
 /// Makes the standard streams pass bytes as they are, so that a redirected report has the same bytes
-/// on every system, and a console shows UTF-8.
-KRCOMMON_API void useBinaryStreams();
+/// on every system, and a console shows UTF-8. Where a write that cannot succeed would end the process
+/// by a signal, it gives an error instead.
+KRCOMMON_API void prepareStandardStreams();
 
 } // namespace pwr::platform

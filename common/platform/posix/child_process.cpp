@@ -17,9 +17,9 @@ int exitCodeOf(int status) {
 }
 
 [[noreturn]] void becomeCommand(const std::vector<char*>& arguments, int errorPipe) {
-    signal(SIGINT, SIG_DFL);
-    signal(SIGTERM, SIG_DFL);
-    signal(SIGCHLD, SIG_DFL);
+    for (const int own : {SIGINT, SIGTERM, SIGCHLD, SIGPIPE, SIGXFSZ}) {
+        signal(own, SIG_DFL);
+    }
     execvp(arguments[0], arguments.data());
     const int error = errno;
     if (write(errorPipe, &error, sizeof error) < 0) {

@@ -24,7 +24,7 @@ std::vector<std::string> commandLineArguments(int argc, const char* const* argv)
     return arguments;
 }
 
-void useBinaryStreams() {
+void prepareStandardStreams() {
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     SetConsoleOutputCP(CP_UTF8);
