@@ -1,0 +1,95 @@
+#include "common/pw_utils.h"
+#include "tests/tarnwell/program_runner.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <sstream>
+
+// Whole reports of recorded machines. A case is a file: lines "key: value", then "report:" and the expected
+// standard output to the end. UPDATE_CASES=1 writes what came out; the difference is for the reviewer.
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace kr_test;
+
+struct ReportCase {
+    fs::path file;
+    std::string head; ///< everything in front of the report
+    std::map<std::string, std::string> facts;
+    std::string report;
+};
+
+ReportCase readCase(const fs::path& file) {
+    ReportCase result;
+    result.file = file;
+    const std::string text = readFile(file);
+    const std::string mark = "report:\n";
+    const std::size_t at = text.find(mark);
+    result.head = text.substr(0, at + mark.size());
+    result.report = at == std::string::npos ? std::string() : text.substr(at + mark.size());
+    std::istringstream lines(result.head);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t colon = line.find(": ");
+        if (colon != std::string::npos) {
+            result.facts[line.substr(0, colon)] = line.substr(colon + 2);
+        }
+    }
+    return result;
+}
+
+std::vector<ReportCase> allCases() {
+    std::vector<ReportCase> cases;
+    for (const auto& entry : fs::directory_iterator(dataFolder() / "tarnwell" / "cases")) {
+        cases.push_back(readCase(entry.path()));
+    }
+    std::sort(cases.begin(), cases.end(), [](const auto& a, const auto& b) { return a.file < b.file; });
+    return cases;
+}
+
+std::vector<std::string> argumentsOf(const ReportCase& reportCase) {
+    std::vector<std::string> arguments = {"--machine",
+                                          (dataFolder() / "machines" / reportCase.facts.at("machine")).string()};
+    std::istringstream words(reportCase.facts.at("arguments"));
+    for (std::string word; words >> word;) {
+        arguments.push_back(word);
+    }
+    return arguments;
+}
+
+TEST(Report, ofRecordedMachinesIsTheExpectedText) {
+    const std::vector<ReportCase> cases = allCases();
+    ASSERT_FALSE(cases.empty());
+    for (const ReportCase& reportCase : cases) {
+        SCOPED_TRACE(reportCase.file.filename().string());
+        const ScratchFolder scratch;
+        const ProgramResult result = runProgram(scratch, argumentsOf(reportCase));
+        EXPECT_EQ(std::stoi(reportCase.facts.at("exit")), result.exitCode) << result.errors;
+        if (!pwr::pw_getenv("UPDATE_CASES").empty()) {
+            writeFile(reportCase.file, reportCase.head + result.output);
+            continue;
+        }
+        EXPECT_EQ(reportCase.report, result.output);
+    }
+}
+
+TEST(Report, goesToFilesAsItGoesToTheStandardOutput) {
+    const ScratchFolder scratch;
+    const std::string prefix = (scratch.path() / "run").string();
+    std::vector<std::string> arguments = argumentsOf(allCases().front());
+    arguments.insert(arguments.end(), {"--output", prefix});
+    const ProgramResult result = runProgram(scratch, arguments);
+    EXPECT_FALSE(result.output.empty());
+    EXPECT_EQ(result.output, readFile(prefix + ".txt"));
+
+    unsigned csvFiles = 0;
+    for (const auto& entry : fs::directory_iterator(scratch.path())) {
+        EXPECT_EQ(std::string::npos, entry.path().filename().string().find(".part")) << "left over: " << entry.path();
+        csvFiles += entry.path().extension() == ".csv" ? 1U : 0U;
+    }
+    EXPECT_GT(csvFiles, 0U);
+}
+
+} // namespace
