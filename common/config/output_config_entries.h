@@ -1,19 +1,30 @@
 #pragma once
 
-#include <deque>
+#include <cstddef>
+
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "common/config/table_info.h"
 
 namespace pwr {
 
+/// Looks texts up in hashed containers without making strings of them.
+struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const noexcept {
+        return std::hash<std::string_view>()(text);
+    }
+};
+
 /// Names in the order in which they were first added.
 struct OrderedNames {
-    std::deque<std::string> names;
+    std::vector<std::string> names;
     std::set<std::string, std::less<>> known;
 
     void add(std::string_view name);
@@ -21,7 +32,7 @@ struct OrderedNames {
 
 /// The tables of one prefix (feature "_" container), and the order in which they were first mentioned.
 struct ContainerTables {
-    std::deque<std::string> order;
+    std::vector<std::string> order;
     std::map<std::string, TableInfo, std::less<>> tables;
 };
 
@@ -30,10 +41,10 @@ struct OutputConfigEntries {
     static constexpr std::string_view ANY_FEATURE = "ALL";
 
     OrderedNames featureOrder;
-    std::map<std::string, OrderedNames, std::less<>> containerOrders; // by feature
-    std::map<std::string, ContainerTables, std::less<>> tables;       // by prefix
-    std::deque<std::string> prefixes;                                 // keys of `tables`, by first mention
-    OrderedNames featuresWithTables;                                  // "ALL" is no feature
+    std::map<std::string, OrderedNames, std::less<>> containerOrders;                   // by feature
+    std::unordered_map<std::string, ContainerTables, TextHash, std::equal_to<>> tables; // by prefix
+    std::vector<std::string> prefixes; // keys of `tables`, by first mention
+    OrderedNames featuresWithTables;   // "ALL" is no feature
 
     /// False when the table has an entry of that key already; the first one stays.
     bool addTableEntry(std::string_view featureTag, std::string_view prefix, std::string_view table,

@@ -21,11 +21,11 @@ std::string prefixOf(std::string_view featureTag, const std::string& containerTa
     return prefix;
 }
 
-bool copyNames(const std::deque<std::string>& configured, std::deque<std::string>& out) {
+bool copyNames(const std::vector<std::string>& configured, std::deque<std::string>& out) {
     if (configured.empty()) {
         return false;
     }
-    out = configured;
+    out.assign(configured.begin(), configured.end());
     return true;
 }
 
