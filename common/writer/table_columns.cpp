@@ -54,27 +54,19 @@ template <class Number> std::string rangeRawText(const Data& value, Getter<std::
 
 std::string rawText(const Data& value) {
     switch (value.getType()) {
-    case DataType::INT:
-        return scalarRawText<std::int64_t>(value, &Data::toInt);
-    case DataType::UINT:
-        return scalarRawText<std::uint64_t>(value, &Data::toUInt);
-    case DataType::REAL:
-        return scalarRawText<double>(value, &Data::toReal);
-    case DataType::INT_RANGE:
-        return rangeRawText<std::int64_t>(value, &Data::toIntRange);
-    case DataType::UINT_RANGE:
-        return rangeRawText<std::uint64_t>(value, &Data::toUIntRange);
-    case DataType::REAL_RANGE:
-        return rangeRawText<double>(value, &Data::toRealRange);
+    case DataType::INT: return scalarRawText<std::int64_t>(value, &Data::toInt);
+    case DataType::UINT: return scalarRawText<std::uint64_t>(value, &Data::toUInt);
+    case DataType::REAL: return scalarRawText<double>(value, &Data::toReal);
+    case DataType::INT_RANGE: return rangeRawText<std::int64_t>(value, &Data::toIntRange);
+    case DataType::UINT_RANGE: return rangeRawText<std::uint64_t>(value, &Data::toUIntRange);
+    case DataType::REAL_RANGE: return rangeRawText<double>(value, &Data::toRealRange);
     case DataType::STRING: {
         std::string text;
         value.toString(text);
         return text;
     }
-    case DataType::HANDLE:
-        return handleIn(value) != nullptr ? getValueText(value) : std::string();
-    case DataType::NONE:
-        break;
+    case DataType::HANDLE: return handleIn(value) != nullptr ? getValueText(value) : std::string();
+    case DataType::NONE: break;
     }
     return std::string();
 }
@@ -91,7 +83,7 @@ bool TableColumn::isNumber() const {
 
 TableColumn getFieldColumn(const TableMessage& table, unsigned number) {
     const DataHandle* field = table.getFieldHandle(number);
-    TableColumn column{TableColumn::Kind::VALUE, number, table.getFieldType(number), {}, {}};
+    TableColumn column{TableColumn::Kind::VALUE, number, table.getFieldType(number), {}, {}, {}};
     if (table.isSharedField(number)) {
         column.kind = TableColumn::Kind::SHARED;
     } else {
@@ -102,7 +94,10 @@ TableColumn getFieldColumn(const TableMessage& table, unsigned number) {
             }
         }
     }
-    column.name = field != nullptr ? field->getFieldName() : std::string();
+    if (field != nullptr) {
+        column.name = field->getFieldName();
+        column.group = field->getHeader();
+    }
     const Quantity* quantity = table.getFieldQuantity(number);
     if (quantity == nullptr && column.isNumber() && column.kind != TableColumn::Kind::LABEL &&
         !saysItsUnit(column.name)) {
@@ -115,7 +110,7 @@ TableColumn getFieldColumn(const TableMessage& table, unsigned number) {
 std::vector<TableColumn> getTableColumns(const TableMessage& table) {
     std::vector<TableColumn> columns;
     if (table.getEntityCount() != 0 && table.getLabelFieldCount() == 0) {
-        columns.push_back({TableColumn::Kind::ROW_ENTITY, 0, DataType::HANDLE, "Entity", ""});
+        columns.push_back({TableColumn::Kind::ROW_ENTITY, 0, DataType::HANDLE, "Entity", "", ""});
     }
     std::vector<TableColumn> fields;
     for (unsigned number = 0; table.getFieldHandle(number) != nullptr; ++number) {

@@ -21,11 +21,10 @@ struct TableColumn {
     DataType type;        ///< HANDLE for ROW_ENTITY
     std::string name;     ///< title without unit
     std::string unit;     ///< "" when there is none
+    std::string group;    ///< heading above several columns (the field's header), "" when there is none
 
     /// Name and unit as a report shows them: "Min (MHz)".
-    std::string title() const {
-        return unit.empty() ? name : name + " (" + unit + ")";
-    }
+    std::string title() const { return unit.empty() ? name : name + " (" + unit + ")"; }
     /// Numbers stand right, texts left.
     bool isNumber() const;
 };
@@ -46,7 +45,7 @@ KRCOMMON_API std::string getValueText(const Data& value);
 
 /// A cell for machines: numbers in full precision without unit, padding and locale, ranges as "low -- high", texts
 /// and names as they are, "" without a value and for a number that is not finite.
-KRCOMMON_API std::string getCellRawText(const TableMessage& table, const EntityHandle* entity, std::size_t row,
-                                        const TableColumn& column);
+KRCOMMON_API std::string getCellRawText(const TableMessage& table, const EntityHandle* entity,
+                                        std::size_t row, const TableColumn& column);
 
 } // namespace pwr

@@ -14,12 +14,12 @@ namespace pwr {
 namespace {
 
 // What a message without state of its own shows.
-const std::vector<const EntityHandle *> g_noEntities;
-const std::vector<const DataHandle *> g_noHandles;
+const std::vector<const EntityHandle*> g_noEntities;
+const std::vector<const DataHandle*> g_noHandles;
 const std::string g_noText;
 
 /// Makes the handle of a column from a description that is neither a field's nor a state's: its texts count.
-const DataHandle *makePlainField(const Description &description, DataType type) {
+const DataHandle* makePlainField(const Description& description, DataType type) {
     FieldDescription texts(description.getName(), description.getShortName(), type);
     texts.setFieldName(description.getFieldName());
     texts.setDescription(description.getDescription());
@@ -29,7 +29,7 @@ const DataHandle *makePlainField(const Description &description, DataType type) 
 
 } // namespace
 
-bool TableMessage::Impl::findNumber(const DataHandle *handle, unsigned &number) const {
+bool TableMessage::Impl::findNumber(const DataHandle* handle, unsigned& number) const {
     if (handle == nullptr) {
         return false;
     }
@@ -41,10 +41,10 @@ bool TableMessage::Impl::findNumber(const DataHandle *handle, unsigned &number) 
     return true;
 }
 
-TableMessage::TableMessage(const std::string &title, const Quantity *quantity)
+TableMessage::TableMessage(const std::string& title, const Quantity* quantity)
     : m_title(title), m_quantity(quantity), m_impl(std::make_unique<Impl>()) {}
 
-TableMessage::TableMessage(const TableMessage *source)
+TableMessage::TableMessage(const TableMessage* source)
     : m_title(source != nullptr ? source->m_title : g_noText),
       m_quantity(source != nullptr ? source->m_quantity : nullptr) {
     if (source != nullptr) {
@@ -58,7 +58,7 @@ MessageType TableMessage::getMessageType() const {
     return MessageType::TABLE;
 }
 
-int TableMessage::addEntity(const EntityHandle *entity) {
+int TableMessage::addEntity(const EntityHandle* entity) {
     if (entity == nullptr || !m_impl) {
         return 1;
     }
@@ -70,44 +70,45 @@ int TableMessage::addEntity(const EntityHandle *entity) {
     return 0;
 }
 
-int TableMessage::addField(const Description &description, DataType type, bool shared) {
+int TableMessage::addField(const Description& description, DataType type, bool shared) {
     return addDescription_i(description, type, nullptr, shared);
 }
 
-int TableMessage::addField(const Description &description, DataType type, const Formatter *formatter, bool shared) {
+int TableMessage::addField(const Description& description, DataType type, const Formatter* formatter,
+                           bool shared) {
     return addDescription_i(description, type, formatter, shared);
 }
 
-int TableMessage::addField(const std::string &name, DataType type, bool shared) {
+int TableMessage::addField(const std::string& name, DataType type, bool shared) {
     return addDescription_i(Description(name, ""), type, nullptr, shared);
 }
 
-int TableMessage::addField(const std::string &name, DataType type, const Formatter *formatter, bool shared) {
+int TableMessage::addField(const std::string& name, DataType type, const Formatter* formatter, bool shared) {
     return addDescription_i(Description(name, ""), type, formatter, shared);
 }
 
-int TableMessage::addField(const Field *field, bool shared) {
+int TableMessage::addField(const Field* field, bool shared) {
     return addField(field, nullptr, shared);
 }
 
-int TableMessage::addField(const Field *field, const Formatter *formatter, bool shared) {
+int TableMessage::addField(const Field* field, const Formatter* formatter, bool shared) {
     return addField_i(field, field != nullptr ? field->getDataType() : DataType::NONE, formatter, shared);
 }
 
-int TableMessage::addDescription_i(const Description &description, DataType type, const Formatter *formatter,
+int TableMessage::addDescription_i(const Description& description, DataType type, const Formatter* formatter,
                                    bool shared) {
     if (isCreated() || !m_impl) {
         return addField_i(nullptr, type, formatter, shared); // refuses before a handle is made for nothing
     }
-    const DataHandle *handle = nullptr;
+    const DataHandle* handle = nullptr;
     if (description.getType() == DescriptionType::STATE) {
-        const auto *state = dynamic_cast<const StateDescription *>(&description);
+        const auto* state = dynamic_cast<const StateDescription*>(&description);
         handle = state != nullptr ? State::create(*state) : nullptr;
         if (handle == nullptr) {
             logWarning("WARNING: Could not get state description\n");
             return 1;
         }
-    } else if (const auto *field = dynamic_cast<const FieldDescription *>(&description)) {
+    } else if (const auto* field = dynamic_cast<const FieldDescription*>(&description)) {
         handle = Field::create(*field);
     } else {
         handle = makePlainField(description, type);
@@ -115,7 +116,8 @@ int TableMessage::addDescription_i(const Description &description, DataType type
     return addField_i(handle, type, formatter, shared);
 }
 
-int TableMessage::addField_i(const DataHandle *handle, DataType type, const Formatter *formatter, bool shared) {
+int TableMessage::addField_i(const DataHandle* handle, DataType type, const Formatter* formatter,
+                             bool shared) {
     if (isCreated()) {
         logWarning("WARNING: May not add field once table %s is created\n", m_title.c_str());
         return 1;
@@ -128,9 +130,10 @@ int TableMessage::addField_i(const DataHandle *handle, DataType type, const Form
         return 0;
     }
     number = static_cast<unsigned>(m_impl->columns.size());
-    auto &handles = shared ? m_impl->sharedHandles : m_impl->rowHandles;
-    const auto *field = dynamic_cast<const Field *>(handle);
-    m_impl->columns.push_back({handle, type, std::unique_ptr<Formatter>(formatter ? formatter->clone() : nullptr),
+    auto& handles = shared ? m_impl->sharedHandles : m_impl->rowHandles;
+    const auto* field = dynamic_cast<const Field*>(handle);
+    m_impl->columns.push_back({handle, type,
+                               std::unique_ptr<Formatter>(formatter ? formatter->clone() : nullptr),
                                field != nullptr ? field->getQuantity() : nullptr, shared, handles.size()});
     handles.push_back(handle);
     const auto entry = std::make_pair(handle->getId(), number);
@@ -159,8 +162,8 @@ int TableMessage::createTable() {
         return 1;
     }
     std::vector<Data> row;
-    std::vector<Data> &cells = m_impl->cells;
-    for (const Impl::Column &column : m_impl->columns) {
+    std::vector<Data>& cells = m_impl->cells;
+    for (const Impl::Column& column : m_impl->columns) {
         Data cell(column.type);
         if (column.formatter) {
             cell.setCustomFormatter(*column.formatter);
@@ -229,7 +232,7 @@ TableMessage::HandleIterator TableMessage::sharedHandleEnd() const {
     return (m_impl ? m_impl->sharedHandles : g_noHandles).end();
 }
 
-const DataHandle *TableMessage::getFieldHandle(unsigned number) const {
+const DataHandle* TableMessage::getFieldHandle(unsigned number) const {
     return m_impl && number < m_impl->columns.size() ? m_impl->columns[number].handle : nullptr;
 }
 
@@ -241,11 +244,11 @@ bool TableMessage::isSharedField(unsigned number) const {
     return m_impl && number < m_impl->columns.size() && m_impl->columns[number].shared;
 }
 
-const Quantity *TableMessage::getFieldQuantity(unsigned number) const {
+const Quantity* TableMessage::getFieldQuantity(unsigned number) const {
     return m_impl && number < m_impl->columns.size() ? m_impl->columns[number].quantity : nullptr;
 }
 
-bool TableMessage::findFieldNumber(const DataHandle *field, unsigned &number) const {
+bool TableMessage::findFieldNumber(const DataHandle* field, unsigned& number) const {
     return m_impl && m_impl->findNumber(field, number);
 }
 
@@ -254,14 +257,14 @@ bool TableMessage::hasFieldHeaders() const {
         return false;
     }
     return std::any_of(m_impl->columns.begin(), m_impl->columns.end(),
-                       [](const Impl::Column &column) { return !column.handle->getFieldName().empty(); });
+                       [](const Impl::Column& column) { return !column.handle->getFieldName().empty(); });
 }
 
-const EntityHandle *TableMessage::getRowEntity() const {
+const EntityHandle* TableMessage::getRowEntity() const {
     return m_impl ? m_impl->rowEntity : nullptr;
 }
 
-int TableMessage::setRowEntity(const EntityHandle *entity) {
+int TableMessage::setRowEntity(const EntityHandle* entity) {
     if (!m_impl) {
         return 1;
     }
@@ -281,11 +284,11 @@ int TableMessage::setTableMessageType(TableMessageType type) {
     return 0;
 }
 
-const TextNotes *TableMessage::getTextNotes() const {
+const TextNotes* TableMessage::getTextNotes() const {
     return m_impl ? m_impl->notes : nullptr;
 }
 
-int TableMessage::setTextNotes(const TextNotes *notes) {
+int TableMessage::setTextNotes(const TextNotes* notes) {
     if (!m_impl) {
         return 1;
     }
@@ -293,8 +296,8 @@ int TableMessage::setTextNotes(const TextNotes *notes) {
     return 0;
 }
 
-int TableMessage::setSource(const std::string &featureTag, const std::string &containerTag,
-                            const std::string &tableKey) {
+int TableMessage::setSource(const std::string& featureTag, const std::string& containerTag,
+                            const std::string& tableKey) {
     if (!m_impl) {
         return 1;
     }
@@ -304,19 +307,19 @@ int TableMessage::setSource(const std::string &featureTag, const std::string &co
     return 0;
 }
 
-const std::string &TableMessage::getFeatureTag() const {
+const std::string& TableMessage::getFeatureTag() const {
     return m_impl ? m_impl->featureTag : g_noText;
 }
 
-const std::string &TableMessage::getContainerTag() const {
+const std::string& TableMessage::getContainerTag() const {
     return m_impl ? m_impl->containerTag : g_noText;
 }
 
-const std::string &TableMessage::getTableKey() const {
+const std::string& TableMessage::getTableKey() const {
     return m_impl ? m_impl->tableKey : g_noText;
 }
 
-bool TableMessage::quantityToUnits(const Quantity *quantity, std::string &units) {
+bool TableMessage::quantityToUnits(const Quantity* quantity, std::string& units) {
     units.clear();
     if (quantity != nullptr) {
         units = quantity->toUnitsString();

@@ -19,7 +19,7 @@ namespace {
 constexpr std::uint64_t g_noEntityId = std::numeric_limits<std::uint64_t>::max();
 const std::vector<std::pair<std::uint64_t, std::uint64_t>> g_noPairs;
 
-const char *nameOf(const DataHandle *handle) {
+const char* nameOf(const DataHandle* handle) {
     return handle != nullptr ? handle->getName().c_str() : "(none)";
 }
 
@@ -28,8 +28,8 @@ const char *nameOf(const DataHandle *handle) {
 void TableMessage::Impl::listValid() const {
     valid.clear();
     const auto list = [this](std::uint64_t entityId, bool shared, std::size_t row) {
-        for (const auto &[handleId, number] : numbers) {
-            const Column &column = columns[number];
+        for (const auto& [handleId, number] : numbers) {
+            const Column& column = columns[number];
             if (column.shared == shared && marks[cellOf(column, row)] != 0) {
                 valid.emplace_back(entityId, handleId);
             }
@@ -37,7 +37,7 @@ void TableMessage::Impl::listValid() const {
     };
     if (isCreated()) {
         std::size_t row = 0;
-        for (const EntityHandle *entity : rows.entities()) {
+        for (const EntityHandle* entity : rows.entities()) {
             list(entity->getId(), false, row++);
         }
         list(g_noEntityId, true, 0);
@@ -61,12 +61,13 @@ int TableMessage::resetData() {
 }
 
 /// Where a field's cell stands. The table is created; null entity: shared field, or the only row.
-int TableMessage::findCell_i(const EntityHandle *entity, unsigned number, std::size_t &cell, bool writing) const {
+int TableMessage::findCell_i(const EntityHandle* entity, unsigned number, std::size_t& cell,
+                             bool writing) const {
     if (number >= m_impl->columns.size()) {
         logWarning("WARNING: Could not find field %u in table %s\n", number, m_title.c_str());
         return 1;
     }
-    const Impl::Column &column = m_impl->columns[number];
+    const Impl::Column& column = m_impl->columns[number];
     if (column.shared && entity != nullptr) {
         logWarning("WARNING: Entity specified in request for field where not relevant %s\n", m_title.c_str());
         return 1;
@@ -87,11 +88,11 @@ int TableMessage::findCell_i(const EntityHandle *entity, unsigned number, std::s
     return 0;
 }
 
-int TableMessage::setFieldValue(const DataHandle *field, const Data &value) {
+int TableMessage::setFieldValue(const DataHandle* field, const Data& value) {
     return setFieldValue(nullptr, field, value);
 }
 
-int TableMessage::setFieldValue(const EntityHandle *entity, const DataHandle *field, const Data &value) {
+int TableMessage::setFieldValue(const EntityHandle* entity, const DataHandle* field, const Data& value) {
     unsigned number = 0;
     if (isCreated() && !m_impl->findNumber(field, number)) {
         logWarning("WARNING: Unknown field %s in table %s\n", nameOf(field), m_title.c_str());
@@ -100,12 +101,12 @@ int TableMessage::setFieldValue(const EntityHandle *entity, const DataHandle *fi
     return setFieldValueAt(entity, number, value);
 }
 
-int TableMessage::setFieldValueAt(const EntityHandle *entity, unsigned number, const Data &value) {
+int TableMessage::setFieldValueAt(const EntityHandle* entity, unsigned number, const Data& value) {
     if (!isCreated()) {
         logWarning("WARNING: Can't set table field before table is created\n");
         return 1;
     }
-    Data *cell = entity != nullptr ? getDataToSet_i(entity, number) : getDataToSet_i(number);
+    Data* cell = entity != nullptr ? getDataToSet_i(entity, number) : getDataToSet_i(number);
     if (cell == nullptr) {
         return 1;
     }
@@ -122,25 +123,26 @@ int TableMessage::setFieldValueAt(const EntityHandle *entity, unsigned number, c
     return 0;
 }
 
-Data *TableMessage::getDataToSet_i(unsigned number) {
+Data* TableMessage::getDataToSet_i(unsigned number) {
     return getDataToSet_i(nullptr, number);
 }
 
-Data *TableMessage::getDataToSet_i(const EntityHandle *entity, unsigned number) {
+Data* TableMessage::getDataToSet_i(const EntityHandle* entity, unsigned number) {
     std::size_t cell = 0;
     return findCell_i(entity, number, cell, true) == 0 ? &m_impl->cells[cell] : nullptr;
 }
 
-void TableMessage::addValidValue_i(const Data *cell) {
+void TableMessage::addValidValue_i(const Data* cell) {
     m_impl->marks[static_cast<std::size_t>(cell - m_impl->cells.data())] = 1;
     m_impl->validIsStale = true;
 }
 
-int TableMessage::getFieldValue(const DataHandle *field, const Data *&value) const {
+int TableMessage::getFieldValue(const DataHandle* field, const Data*& value) const {
     return getFieldValue(nullptr, field, value);
 }
 
-int TableMessage::getFieldValue(const EntityHandle *entity, const DataHandle *field, const Data *&value) const {
+int TableMessage::getFieldValue(const EntityHandle* entity, const DataHandle* field,
+                                const Data*& value) const {
     unsigned number = 0;
     if (isCreated() && !m_impl->findNumber(field, number)) {
         logWarning("WARNING: Unknown field %s in table %s\n", nameOf(field), m_title.c_str());
@@ -149,7 +151,7 @@ int TableMessage::getFieldValue(const EntityHandle *entity, const DataHandle *fi
     return getFieldValueAt(entity, number, value);
 }
 
-int TableMessage::getFieldValueAt(const EntityHandle *entity, unsigned number, const Data *&value) const {
+int TableMessage::getFieldValueAt(const EntityHandle* entity, unsigned number, const Data*& value) const {
     if (!isCreated()) {
         logWarning("WARNING: Attempt to retrieve value from uncreated table %s", m_title.c_str());
         return 1;
@@ -166,16 +168,17 @@ int TableMessage::getFieldValueAt(const EntityHandle *entity, unsigned number, c
     return 0;
 }
 
-int TableMessage::getFieldAsString(const DataHandle *field, std::string &text) const {
+int TableMessage::getFieldAsString(const DataHandle* field, std::string& text) const {
     return getFieldAsString(nullptr, field, text);
 }
 
-int TableMessage::getFieldAsString(const EntityHandle *entity, const DataHandle *field, std::string &text) const {
-    const Data *value = nullptr;
+int TableMessage::getFieldAsString(const EntityHandle* entity, const DataHandle* field,
+                                   std::string& text) const {
+    const Data* value = nullptr;
     return getFieldValue(entity, field, value) == 0 ? value->toFormattedString(text) : 1;
 }
 
-const Data *TableMessage::findCell(std::size_t row, unsigned number) const {
+const Data* TableMessage::findCell(std::size_t row, unsigned number) const {
     if (!isCreated() || number >= m_impl->columns.size() || row >= m_impl->rowCount()) {
         return nullptr;
     }
@@ -183,9 +186,9 @@ const Data *TableMessage::findCell(std::size_t row, unsigned number) const {
     return m_impl->marks[cell] != 0 ? &m_impl->cells[cell] : nullptr;
 }
 
-int TableMessage::getFieldAttributeValue(const EntityHandle *entity, const DataHandle *field,
-                                         const Attribute *attribute, const Data *&value) const {
-    const Data *cell = nullptr;
+int TableMessage::getFieldAttributeValue(const EntityHandle* entity, const DataHandle* field,
+                                         const Attribute* attribute, const Data*& value) const {
+    const Data* cell = nullptr;
     if (getFieldValue(entity, field, cell) != 0) {
         return 1;
     }
@@ -193,21 +196,22 @@ int TableMessage::getFieldAttributeValue(const EntityHandle *entity, const DataH
         logWarning("WARNING: Attempt to retrieve an attribute from a simple type in %s\n", m_title.c_str());
         return 1;
     }
-    const DataHandle *handle = nullptr;
+    const DataHandle* handle = nullptr;
     if (cell->toHandle(handle) != 0) {
         logWarning("WARNING: Could not convert to handle type in %s\n", m_title.c_str());
         return 1;
     }
-    const auto *carrier = dynamic_cast<const AttributeValueManager *>(handle);
-    const Data *found = carrier != nullptr && attribute != nullptr ? carrier->getAttributeValue(attribute) : nullptr;
+    const auto* carrier = dynamic_cast<const AttributeValueManager*>(handle);
+    const Data* found =
+        carrier != nullptr && attribute != nullptr ? carrier->getAttributeValue(attribute) : nullptr;
     if (found == nullptr) {
         logWarning("WARNING: Error getting state/event/entity/dataDescriptor and attribute (%p %p %p %p %p) "
                    "from table %s\n",
-                   static_cast<const void *>(dynamic_cast<const State *>(handle)),
-                   static_cast<const void *>(dynamic_cast<const Event *>(handle)),
-                   static_cast<const void *>(dynamic_cast<const EntityHandle *>(handle)),
-                   static_cast<const void *>(dynamic_cast<const DataDescriptor *>(handle)),
-                   static_cast<const void *>(attribute), m_title.c_str());
+                   static_cast<const void*>(dynamic_cast<const State*>(handle)),
+                   static_cast<const void*>(dynamic_cast<const Event*>(handle)),
+                   static_cast<const void*>(dynamic_cast<const EntityHandle*>(handle)),
+                   static_cast<const void*>(dynamic_cast<const DataDescriptor*>(handle)),
+                   static_cast<const void*>(attribute), m_title.c_str());
         return 1;
     }
     value = found;

@@ -94,7 +94,8 @@ std::string WriterPlugin::getFieldNameFromHandle(const pwr::TableMessage& table,
     return field != nullptr ? field->getFieldName() : std::string();
 }
 
-std::string WriterPlugin::getFieldValueFromHandle(const pwr::TableMessage& table, const pwr::EntityHandle* entity,
+std::string WriterPlugin::getFieldValueFromHandle(const pwr::TableMessage& table,
+                                                  const pwr::EntityHandle* entity,
                                                   const pwr::DataHandle* field) const {
     const pwr::Data* value = nullptr;
     std::string text;

@@ -21,35 +21,35 @@ class WriterStreamHost;
 /// Threads:  no lock; pushes come from one thread at a time.
 /// Failure:  one plug-in's failure never keeps a message from the others.
 class KRCOMMON_API WriterStream {
-  public:
-    WriterStream(const WriterStream &other) = default;
-    WriterStream &operator=(const WriterStream &other) = default;
+public:
+    WriterStream(const WriterStream& other) = default;
+    WriterStream& operator=(const WriterStream& other) = default;
 
     /// Delivers the message by its kind; the plug-ins' results are ignored. A table is emptied of its data
     /// afterwards (fields, entities and layout stay), so read its cells before the push.
     /// 0 when delivered; -1 without a plug-in set; 1 when a message of the table kind is no table.
-    int pushMessage(pwr::WriterMessage &message);
+    int pushMessage(pwr::WriterMessage& message);
 
     /// Delivers a metric with its current sampling point. 1 when it is null, when there is no plug-in set or
     /// when a plug-in refused it (the others still get it), else 0.
-    int pushMessage(const pwr::Metric *metric);
+    int pushMessage(const pwr::Metric* metric);
 
     /// Delivers a new text message through the stream held by the environment, whichever stream this one is.
     /// Throws the character string "ERROR: Writer stream is not initialized" when the environment holds none.
-    int pushTextMessage(const std::string &text);
+    int pushTextMessage(const std::string& text);
 
     bool isSupportedTableClass(pwr::TableClass tableClass) const;
 
-  private:
+private:
     friend class pwr::WriterStreamHost;
 
-    explicit WriterStream(const std::set<WriterPlugin *> *plugins);
+    explicit WriterStream(const std::set<WriterPlugin*>* plugins);
     ~WriterStream();
 
-    template <class Message> void deliver_i(Message *message) const;
-    int pushTable_i(pwr::TableMessage *table);
+    template <class Message> void deliver_i(Message* message) const;
+    int pushTable_i(pwr::TableMessage* table);
     int flush();
 
-    const std::set<WriterPlugin *> *m_plugins;
+    const std::set<WriterPlugin*>* m_plugins;
     std::set<pwr::TableClass> m_tableClasses;
 };

@@ -39,20 +39,17 @@ struct TableText {
 
 /// A writer plug-in that keeps what it is given: tables as text, and a line for each other message.
 class CapturingWriter : public WriterPlugin {
-  public:
+public:
     CapturingWriter() : WriterPlugin("capture") {}
 
-    const char* getDescription() const override {
-        return "keeps what it is given";
-    }
-    int flushResults() override {
-        return 0;
-    }
+    const char* getDescription() const override { return "keeps what it is given"; }
+    int flushResults() override { return 0; }
 
     std::vector<TableText> tables;
-    std::vector<std::string> messages; ///< "text: ...", "header: ...", "ids: n", "system", "container: f/c", "metric"
+    std::vector<std::string>
+        messages; ///< "text: ...", "header: ...", "ids: n", "system", "container: f/c", "metric"
 
-  private:
+private:
     int writeMessage(const pwr::TableMessage& table) override {
         TableText text;
         text.title = table.getTitle();
@@ -87,7 +84,8 @@ class CapturingWriter : public WriterPlugin {
         return 0;
     }
     int writeMessage(const pwr::MetricContainerInfoMessage& message) override {
-        messages.push_back("container: " + message.getMetricFeatureTag() + "/" + message.getMetricContainerTag());
+        messages.push_back("container: " + message.getMetricFeatureTag() + "/" +
+                           message.getMetricContainerTag());
         return 0;
     }
     int writeMessage(const pwr::Metric&) override {
@@ -106,24 +104,19 @@ class CapturingWriter : public WriterPlugin {
 
 /// A stream with one capturing writer, installed in the environment and in the handle registry while it lives.
 class TableCapture {
-  public:
+public:
     TableCapture() : m_plugins{&writer}, m_stream(pwr::WriterStreamHost::create(m_plugins)) {
         g_pluginEnvironment->setWriterStream(m_stream);
         pwr::DataHandleProvider::addStream(m_stream);
-        writer.messages.clear(); // the announcement of whatever the process made before says nothing of the test
+        writer.messages
+            .clear(); // the announcement of whatever the process made before says nothing of the test
     }
-    ~TableCapture() {
-        pwr::WriterStreamHost::destroy(m_stream);
-    }
+    ~TableCapture() { pwr::WriterStreamHost::destroy(m_stream); }
     TableCapture(const TableCapture&) = delete;
     TableCapture& operator=(const TableCapture&) = delete;
 
-    WriterStream& stream() {
-        return *m_stream;
-    }
-    const std::vector<TableText>& tables() const {
-        return writer.tables;
-    }
+    WriterStream& stream() { return *m_stream; }
+    const std::vector<TableText>& tables() const { return writer.tables; }
     /// All tables as text, an empty line behind each.
     std::string text() const {
         std::string all;
@@ -135,7 +128,7 @@ class TableCapture {
 
     CapturingWriter writer;
 
-  private:
+private:
     std::set<WriterPlugin*> m_plugins;
     WriterStream* m_stream;
 };

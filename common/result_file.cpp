@@ -1,0 +1,69 @@
+#include "common/result_file.h"
+
+#include "common/pw_utils.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+namespace pwr {
+
+ResultFile::ResultFile(const std::string& path) : m_path(path), m_partPath(path + ".part") {
+    errno = 0;
+    m_file.open(m_partPath, std::ios::binary | std::ios::trunc);
+    fail_i();
+    if (!m_file.is_open()) {
+        m_partPath.clear(); // what stands there is not ours to remove
+    }
+}
+
+ResultFile::~ResultFile() {
+    discard_i();
+}
+
+void ResultFile::write(std::string_view text) {
+    errno = 0;
+    m_file.write(text.data(), static_cast<std::streamsize>(text.size()));
+    fail_i();
+}
+
+int ResultFile::commit(std::string& error) {
+    if (m_error.empty()) {
+        errno = 0;
+        m_file.close(); // what is still buffered is written here, so a full disk may only show now
+        fail_i();
+    }
+    if (m_error.empty()) {
+        std::error_code failure;
+        std::filesystem::rename(m_partPath, m_path, failure);
+        if (failure) {
+            m_error = failure.message();
+        }
+    }
+    if (!m_error.empty()) {
+        error = m_path + ": " + m_error;
+        discard_i();
+        return 1;
+    }
+    m_partPath.clear();
+    return 0;
+}
+
+/// Keeps the reason of the first failure; errno is that of the stream's last system call.
+void ResultFile::fail_i() {
+    if (m_file.fail() && m_error.empty()) {
+        m_error = errno != 0 ? pw_strerror(errno) : "cannot be written";
+    }
+}
+
+void ResultFile::discard_i() {
+    if (m_partPath.empty()) {
+        return;
+    }
+    m_file.close();
+    std::error_code ignored;
+    std::filesystem::remove(m_partPath, ignored);
+    m_partPath.clear();
+}
+
+} // namespace pwr
