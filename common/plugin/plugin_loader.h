@@ -37,48 +37,41 @@ extern "C" using KRPluginInfoFunction = const KRPluginInfo * (*)();
 
 namespace pwr {
 
-/// The text that must be equal in library and plug-in: what their compilers make of the same headers.
-/// The size of the value type stands for the settings that change the layout of classes.
+/// The text that must be equal in library and plug-in: what their compilers make of the same headers, as
+/// "itanium-1016-strings1-value72". The size of the value type stands for all settings that change the
+/// layout of classes.
 template <std::size_t ValueSize>
 struct PluginAbi {
-    static constexpr auto make() {
-#if defined(__clang__) || defined(__GNUC__)
-        constexpr std::string_view family = "itanium";
-        constexpr unsigned long abi = __GXX_ABI_VERSION;
+#if defined(__GXX_ABI_VERSION)
+    static constexpr std::size_t CLASSES = __GXX_ABI_VERSION;
 #else
-        constexpr std::string_view family = "other";
-        constexpr unsigned long abi = 0;
+    static constexpr std::size_t CLASSES = 0;
 #endif
 #if defined(_GLIBCXX_USE_CXX11_ABI)
-        constexpr unsigned long library = _GLIBCXX_USE_CXX11_ABI;
+    static constexpr std::size_t STRINGS = _GLIBCXX_USE_CXX11_ABI;
 #else
-        constexpr unsigned long library = 2;
+    static constexpr std::size_t STRINGS = 2;
 #endif
-        std::array<char, 64> text{};
+
+    static constexpr std::array<char, 64> make() {
+        std::array<char, 64> made{};
         std::size_t length = 0;
-        const auto word = [&](std::string_view part) {
-            for (const char character : part) {
-                text[length++] = character;
+        const auto append = [&](std::string_view word, std::size_t number) {
+            for (const char character : word) {
+                made[length++] = character;
+            }
+            std::size_t unit = 1;
+            while (number / unit >= 10) {
+                unit *= 10;
+            }
+            for (; unit > 0; unit /= 10) {
+                made[length++] = static_cast<char>('0' + number / unit % 10);
             }
         };
-        const auto number = [&](unsigned long value) {
-            std::size_t digits = 1;
-            for (unsigned long rest = value; rest >= 10; rest /= 10) {
-                ++digits;
-            }
-            for (std::size_t i = digits; i-- > 0; value /= 10) {
-                text[length + i] = static_cast<char>('0' + value % 10);
-            }
-            length += digits;
-        };
-        word(family);
-        word("-");
-        number(abi);
-        word("-strings");
-        number(library);
-        word("-value");
-        number(ValueSize);
-        return text;
+        append(CLASSES > 0 ? "itanium-" : "other-", CLASSES);
+        append("-strings", STRINGS);
+        append("-value", ValueSize);
+        return made;
     }
     static constexpr std::array<char, 64> text = make();
 };
