@@ -3,8 +3,7 @@
 namespace {
 
 /// The value under a key, or a default one; never inserts.
-template <typename Map, typename Key>
-typename Map::mapped_type valueOf(const Map& map, const Key& key) {
+template <typename Map, typename Key> typename Map::mapped_type valueOf(const Map& map, const Key& key) {
     const auto found = map.find(key);
     return found == map.end() ? typename Map::mapped_type{} : found->second;
 }

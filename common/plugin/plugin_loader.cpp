@@ -1,0 +1,181 @@
+#include "common/plugin/plugin_loader.h"
+
+#include "common/platform/file.h"
+#include "common/platform/module.h"
+#include "common/plugin/logger.h"
+#include "common/pw_utils.h"
+#include "common/values/data.h"
+
+#include <cstring>
+#include <exception>
+
+namespace pwr {
+
+namespace {
+
+constexpr const char* SYMBOL = "krPluginInfo";
+constexpr const char* LIBRARY_ABI = PluginAbi<sizeof(Data)>::text.data();
+
+std::string textOrNone(const char* text) {
+    return text == nullptr ? "unknown" : text;
+}
+
+/// Runs code of a plug-in. What it throws ends here, as the words in `error`: "throws in create(): why".
+template <typename Call> bool callGuarded(const char* what, std::string& error, Call&& call) {
+    const std::string lead = std::string("throws in ") + what + "()";
+    try {
+        return call();
+    } catch (const std::exception& exception) {
+        error = lead + ": " + exception.what();
+    } catch (const char* text) {
+        error = lead + ": " + textOrNone(text);
+    } catch (...) {
+        error = lead;
+    }
+    return false;
+}
+
+std::string numbersApart(const char* of, std::uint32_t theirs, std::uint32_t ours) {
+    return std::string("built for ") + of + " " + std::to_string(theirs) + ", this is " +
+           std::to_string(ours) + ": rebuild it";
+}
+
+/// Why a manifest does not fit this library; "" when it does. What stands behind the interface version is
+/// read only when that fits, and the texts only when the size does.
+std::string misfitOf(const KRPluginInfo& info) {
+    if (info.interfaceVersion != KR_PLUGIN_INTERFACE_VERSION) {
+        return numbersApart("interface", info.interfaceVersion, KR_PLUGIN_INTERFACE_VERSION);
+    }
+    if (info.size != sizeof(KRPluginInfo)) {
+        return numbersApart("a manifest of size", info.size, sizeof(KRPluginInfo));
+    }
+    if (info.compilerAbi == nullptr || std::strcmp(info.compilerAbi, LIBRARY_ABI) != 0) {
+        return "built as " + textOrNone(info.compilerAbi) + ", this is " + LIBRARY_ABI + ": rebuild it";
+    }
+    if (info.name == nullptr || *info.name == '\0') {
+        return "its manifest has no name";
+    }
+    if (info.create == nullptr) {
+        return "its manifest has no create()";
+    }
+    if (info.kind < KR_PLUGIN_COLLECTOR || info.kind > KR_PLUGIN_WRITER) {
+        return "of the unknown kind " + std::to_string(info.kind);
+    }
+    return "";
+}
+
+const KRPluginInfo* manifestOf(const std::string& path, std::string& error) {
+    void* const module = platform::loadModule(path, error);
+    if (module == nullptr) {
+        return nullptr;
+    }
+    const auto function = reinterpret_cast<KRPluginInfoFunction>(platform::findSymbol(module, SYMBOL));
+    if (function == nullptr) {
+        error = std::string("no plug-in: it has no symbol ") + SYMBOL;
+        return nullptr;
+    }
+    const KRPluginInfo* info = nullptr;
+    callGuarded(SYMBOL, error, [&] {
+        info = function();
+        return true;
+    });
+    if (info == nullptr && error.empty()) {
+        error = "it has no manifest";
+    }
+    return info;
+}
+
+std::string stemOf(const std::string& path) {
+    const std::string name = PathOps::getFilenameFromPath(path);
+    return name.substr(0, name.rfind('.'));
+}
+
+/// Fills the entry; on false its error tells why, without naming the plug-in.
+bool load(PluginFile& file) {
+    const KRPluginInfo* const info = manifestOf(file.path, file.error);
+    if (info == nullptr) {
+        return false;
+    }
+    file.error = misfitOf(*info);
+    if (!file.error.empty()) {
+        return false;
+    }
+    file.name = info->name;
+    file.libraryVersion = info->libraryVersion == nullptr ? "" : info->libraryVersion;
+    file.kind = info->kind;
+    if (!callGuarded("create", file.error, [&] {
+            file.plugin.reset(info->create());
+            return true;
+        })) {
+        return false;
+    }
+    if (!file.plugin) {
+        file.error = "create() made no object";
+        return false;
+    }
+    int result = 0;
+    const bool returned = callGuarded("initialize", file.error, [&] {
+        result = file.plugin->initialize();
+        return true;
+    });
+    if (returned && result != 0) {
+        file.error = "initialize() failed with " + std::to_string(result);
+    }
+    return file.error.empty();
+}
+
+bool endsWith(const std::string& name, const std::string& suffix) {
+    return name.size() > suffix.size() &&
+           name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+} // namespace
+
+PluginLoader::PluginLoader() = default;
+
+PluginLoader::~PluginLoader() {
+    unload();
+}
+
+int PluginLoader::loadFolder(const std::string& folder) {
+    std::vector<std::string> names;
+    if (!platform::listFolder(folder, names)) {
+        return 1;
+    }
+    int result = 0;
+    for (const std::string& name : names) {
+        if (endsWith(name, platform::moduleSuffix()) &&
+            loadFile(folder + PathOps::getPathSeparator() + name) != 0) {
+            result = 1;
+        }
+    }
+    return result;
+}
+
+int PluginLoader::loadFile(const std::string& path) {
+    PluginFile& file = m_files.emplace_back();
+    file.path = path;
+    file.name = stemOf(path);
+    if (load(file)) {
+        return 0;
+    }
+    file.plugin.reset();
+    file.error = "plug-in " + file.name + ": " + file.error;
+    return 1;
+}
+
+void PluginLoader::unload() {
+    while (!m_files.empty()) {
+        PluginFile& file = m_files.back();
+        std::string error;
+        if (file.plugin && !callGuarded("shutdown", error, [&] {
+                file.plugin->shutdown();
+                return true;
+            })) {
+            logWarning("WARNING: plug-in %s %s\n", file.name.c_str(), error.c_str());
+        }
+        m_files.pop_back();
+    }
+}
+
+} // namespace pwr
