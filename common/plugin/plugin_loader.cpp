@@ -90,40 +90,6 @@ std::string stemOf(const std::string& path) {
     return name.substr(0, name.rfind('.'));
 }
 
-/// Fills the entry; on false its error tells why, without naming the plug-in.
-bool load(PluginFile& file) {
-    const KRPluginInfo* const info = manifestOf(file.path, file.error);
-    if (info == nullptr) {
-        return false;
-    }
-    file.error = misfitOf(*info);
-    if (!file.error.empty()) {
-        return false;
-    }
-    file.name = info->name;
-    file.libraryVersion = info->libraryVersion == nullptr ? "" : info->libraryVersion;
-    file.kind = info->kind;
-    if (!callGuarded("create", file.error, [&] {
-            file.plugin.reset(info->create());
-            return true;
-        })) {
-        return false;
-    }
-    if (!file.plugin) {
-        file.error = "create() made no object";
-        return false;
-    }
-    int result = 0;
-    const bool returned = callGuarded("initialize", file.error, [&] {
-        result = file.plugin->initialize();
-        return true;
-    });
-    if (returned && result != 0) {
-        file.error = "initialize() failed with " + std::to_string(result);
-    }
-    return file.error.empty();
-}
-
 bool endsWith(const std::string& name, const std::string& suffix) {
     return name.size() > suffix.size() &&
            name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
@@ -156,12 +122,49 @@ int PluginLoader::loadFile(const std::string& path) {
     PluginFile& file = m_files.emplace_back();
     file.path = path;
     file.name = stemOf(path);
-    if (load(file)) {
+    if (load_i(file)) {
         return 0;
     }
     file.plugin.reset();
     file.error = "plug-in " + file.name + ": " + file.error;
     return 1;
+}
+
+/// Fills the entry; on false its error tells why, without naming the plug-in.
+bool PluginLoader::load_i(PluginFile& file) const {
+    const KRPluginInfo* const info = manifestOf(file.path, file.error);
+    if (info == nullptr) {
+        return false;
+    }
+    file.error = misfitOf(*info);
+    if (!file.error.empty()) {
+        return false;
+    }
+    file.name = info->name;
+    file.libraryVersion = info->libraryVersion == nullptr ? "" : info->libraryVersion;
+    file.kind = info->kind;
+    if (!callGuarded("create", file.error, [&] {
+            file.plugin.reset(info->create());
+            return true;
+        })) {
+        return false;
+    }
+    if (!file.plugin) {
+        file.error = "create() made no object";
+        return false;
+    }
+    int result = 0;
+    const bool returned = callGuarded("initialize", file.error, [&] {
+        for (const auto& [key, value] : m_options) {
+            file.plugin->setOption(key, value);
+        }
+        result = file.plugin->initialize();
+        return true;
+    });
+    if (returned && result != 0) {
+        file.error = "initialize() failed with " + std::to_string(result);
+    }
+    return file.error.empty();
 }
 
 void PluginLoader::unload() {

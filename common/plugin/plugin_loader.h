@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// Raised whenever a plug-in built against the headers of before could no longer work.
@@ -40,8 +41,7 @@ namespace pwr {
 /// The text that must be equal in library and plug-in: what their compilers make of the same headers, as
 /// "itanium-1016-strings1-value72". The size of the value type stands for all settings that change the
 /// layout of classes.
-template <std::size_t ValueSize>
-struct PluginAbi {
+template <std::size_t ValueSize> struct PluginAbi {
 #if defined(__GXX_ABI_VERSION)
     static constexpr std::size_t CLASSES = __GXX_ABI_VERSION;
 #else
@@ -97,6 +97,10 @@ public:
     PluginLoader(const PluginLoader&) = delete;
     PluginLoader& operator=(const PluginLoader&) = delete;
 
+    /// An option for every plug-in that is loaded from now on: given to it before initialize(), because
+    /// what a plug-in offers may depend on it. A plug-in that does not know the key is not asked again.
+    void setOption(const std::string& key, const std::string& value) { m_options.emplace_back(key, value); }
+
     /// Loads every module of a folder, in order of file names, and initialises each. 1 when the folder
     /// cannot be listed or any module failed.
     int loadFolder(const std::string& folder);
@@ -106,8 +110,7 @@ public:
     /// All files in order of loading, failed ones included.
     const std::vector<PluginFile>& getFiles() const { return m_files; }
     /// The loaded plug-ins of one class (CollectorPlugin, MetricPlugin, WriterPlugin), in order.
-    template <typename PluginClass>
-    std::vector<PluginClass*> getPlugins() const {
+    template <typename PluginClass> std::vector<PluginClass*> getPlugins() const {
         std::vector<PluginClass*> found;
         for (const PluginFile& file : m_files) {
             if (auto* const plugin = dynamic_cast<PluginClass*>(file.plugin.get())) {
@@ -121,6 +124,9 @@ public:
     void unload();
 
 private:
+    bool load_i(PluginFile& file) const;
+
+    std::vector<std::pair<std::string, std::string>> m_options;
     std::vector<PluginFile> m_files;
 };
 
