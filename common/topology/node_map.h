@@ -14,8 +14,7 @@ class TNode;
 /// arrive in ascending order it is a plain sorted array; the first key out of order makes a hash
 /// index beside the array, and settle() sorts once and drops the index. So a build takes linear
 /// time in any order, and a finished map is compact.
-/// Look-ups and iteration are for settled maps; findOrInsert() works at any time.
-/// Owns no nodes. An entry without node is allowed and counts as absent.
+/// Look-ups and iteration are for settled maps. Owns no nodes.
 class KRCOMMON_API NodeMap {
 public:
     struct Entry {
@@ -23,27 +22,29 @@ public:
         TNode* node;
     };
 
-    /// The node at the key; a new entry has none. Valid until the next call.
+    /// The place of the node at the key, null in a new entry; valid until the next call. The caller
+    /// fills a new place, and settles the map when it has finished.
     TNode*& findOrInsert(pw_u64_t key);
 
     /// Puts the entries back into key order.
     void settle();
 
-    /// Null when the key has no entry or the entry no node.
+    /// Adds the node to a settled map unless the key is taken.
+    void insert(pw_u64_t key, TNode& node);
+
+    /// Null when nothing stands at the key.
     TNode* find(pw_u64_t key) const;
 
-    /// Number of entries with a node.
-    std::size_t countNodes() const;
-
+    std::size_t size() const { return m_entries.size(); }
     std::vector<Entry>::const_iterator begin() const { return m_entries.begin(); }
     std::vector<Entry>::const_iterator end() const { return m_entries.end(); }
 
 private:
-    std::size_t slotOf_i(pw_u64_t key) const;
-    void index_i(std::size_t slots);
+    pw_u32_t& slotOf_i(pw_u64_t key);
+    void makeIndex_i();
 
     std::vector<Entry> m_entries;
-    std::vector<pw_u32_t> m_slots; ///< position + 1 of an entry; 0 is free; empty while settled
+    std::vector<pw_u32_t> m_slots; ///< hash index: position + 1 of an entry, 0 for free; none while settled
 };
 
 } // namespace pwr

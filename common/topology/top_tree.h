@@ -21,7 +21,7 @@ namespace pwr {
 /// Each node also stands in a map of its type under a path key that is made of the ids on its way
 /// down, 16 bits each; look-ups answer in key order. Keys can collide on machines with odd ids (die
 /// and module of one id, say); a second node of a key then stays in the tree alone.
-/// Moved, not copied; one thread at a time.
+/// Threads: one at a time.
 class KRCOMMON_API TopTree {
 public:
     using HWQMapping = std::map<pw_u16_t, pw_u16_t>;
@@ -30,8 +30,6 @@ public:
     ~TopTree();
     TopTree(const TopTree&) = delete;
     TopTree& operator=(const TopTree&) = delete;
-    TopTree(TopTree&&) noexcept;
-    TopTree& operator=(TopTree&&) noexcept;
 
     /// Adds the processors of a text, six numbers each, separated by blanks or line ends: thread,
     /// package, core, core model and type, die, module; decimal, 0x or octal, -1 for an absent die
@@ -72,9 +70,7 @@ public:
 private:
     class Builder;
 
-    NodeMap& mapOf_i(top_node_type type);
-    const NodeMap& mapOf_i(top_node_type type) const;
-    TNode& makeNode_i(int id, top_node_type type);
+    NodeMap& mapOf_i(top_node_type type) { return m_maps[static_cast<std::size_t>(type)]; }
     TNode* stepDown_i(TNode* parent, int id, top_node_type type);
     void number_i();
 

@@ -51,17 +51,23 @@ public:
 private:
     friend class TopTree;
 
+    /// A node whose children are only sorted up to a position, and shall be sorted later.
+    struct UnsortedChildren {
+        TNode* node;
+        std::size_t sortedCount;
+    };
+
     /// Puts the child in front of the first one whose id is not lower.
     void insertChild_i(TNode& child);
-    /// Puts the child behind all others, for builders that sort afterwards.
-    void appendChild_i(TNode& child);
-    /// Sorts the children from the given position on into those before it, as if insertChild_i()
-    /// had been used for them one after the other.
+    /// The same for builders that add many: a long list is only noted down, to be sorted once.
+    void addChild_i(TNode& child, std::vector<UnsortedChildren>& unsorted);
     void sortChildren_i(std::size_t sortedCount);
+    TNode* findChild_i(int id, top_node_type type) const;
 
     int m_id;
     int m_uniqueId = -1;
     top_node_type m_type;
+    bool m_childrenSorted = true;
     TNode* m_parent = nullptr;
     Children m_children;
 };

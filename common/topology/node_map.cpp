@@ -1,0 +1,125 @@
+#include "common/topology/node_map.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace pwr {
+
+namespace {
+
+constexpr std::size_t c_radixFrom = 64; ///< below, comparing is faster than counting
+constexpr unsigned c_keyBytes = sizeof(pw_u64_t);
+
+/// Spreads the ids of a path, which differ in few and always the same bits, over the whole number.
+std::size_t mixed(pw_u64_t key) {
+    key = (key ^ (key >> 32)) * 0x9E3779B97F4A7C15ULL;
+    return static_cast<std::size_t>(key ^ (key >> 29));
+}
+
+std::size_t byteOf(pw_u64_t key, unsigned number) {
+    return (key >> (8 * number)) & 0xFF;
+}
+
+bool isBelow(const NodeMap::Entry& entry, pw_u64_t key) {
+    return entry.key < key;
+}
+
+/// Sorts by counting, one byte of the keys after the other, lowest first. Bytes that are the same
+/// in all keys (most are: ids are small) cost nothing.
+void radixSort(std::vector<NodeMap::Entry>& entries) {
+    pw_u64_t differing = 0;
+    for (const NodeMap::Entry& entry : entries) {
+        differing |= entry.key ^ entries.front().key;
+    }
+    std::vector<NodeMap::Entry> sorted(entries.size());
+    for (unsigned number = 0; number < c_keyBytes; ++number) {
+        if (byteOf(differing, number) == 0) {
+            continue;
+        }
+        std::array<std::size_t, 256> places{};
+        for (const NodeMap::Entry& entry : entries) {
+            ++places[byteOf(entry.key, number)];
+        }
+        std::size_t before = 0;
+        for (std::size_t& place : places) {
+            before += std::exchange(place, before);
+        }
+        for (const NodeMap::Entry& entry : entries) {
+            sorted[places[byteOf(entry.key, number)]++] = entry;
+        }
+        entries.swap(sorted);
+    }
+}
+
+} // namespace
+
+TNode*& NodeMap::findOrInsert(pw_u64_t key) {
+    if (m_slots.empty()) {
+        if (m_entries.empty() || m_entries.back().key < key) {
+            return m_entries.emplace_back(Entry{key, nullptr}).node;
+        }
+        if (m_entries.back().key == key) {
+            return m_entries.back().node;
+        }
+        makeIndex_i();
+    } else if (m_slots.size() < 2 * (m_entries.size() + 1)) {
+        makeIndex_i();
+    }
+    pw_u32_t& slot = slotOf_i(key);
+    if (slot != 0) {
+        return m_entries[slot - 1].node;
+    }
+    m_entries.push_back(Entry{key, nullptr});
+    slot = static_cast<pw_u32_t>(m_entries.size());
+    return m_entries.back().node;
+}
+
+void NodeMap::settle() {
+    if (m_slots.empty()) {
+        return;
+    }
+    std::vector<pw_u32_t>().swap(m_slots);
+    if (m_entries.size() >= c_radixFrom) {
+        radixSort(m_entries);
+    } else {
+        std::sort(m_entries.begin(), m_entries.end(),
+                  [](const Entry& left, const Entry& right) { return left.key < right.key; });
+    }
+}
+
+void NodeMap::insert(pw_u64_t key, TNode& node) {
+    const auto place = std::lower_bound(m_entries.begin(), m_entries.end(), key, isBelow);
+    if (place == m_entries.end() || place->key != key) {
+        m_entries.insert(place, Entry{key, &node});
+    }
+}
+
+TNode* NodeMap::find(pw_u64_t key) const {
+    const auto place = std::lower_bound(m_entries.begin(), m_entries.end(), key, isBelow);
+    return place == m_entries.end() || place->key != key ? nullptr : place->node;
+}
+
+/// The slot that holds the key's entry, or the free one where it belongs.
+pw_u32_t& NodeMap::slotOf_i(pw_u64_t key) {
+    const std::size_t mask = m_slots.size() - 1;
+    std::size_t slot = mixed(key) & mask;
+    while (m_slots[slot] != 0 && m_entries[m_slots[slot] - 1].key != key) {
+        slot = (slot + 1) & mask;
+    }
+    return m_slots[slot];
+}
+
+/// Makes the index anew, with room for twice the entries; the number of slots is a power of two.
+void NodeMap::makeIndex_i() {
+    std::size_t slots = 16;
+    while (slots < 4 * (m_entries.size() + 1)) {
+        slots *= 2;
+    }
+    m_slots.assign(slots, 0);
+    for (std::size_t i = 0; i < m_entries.size(); ++i) {
+        slotOf_i(m_entries[i].key) = static_cast<pw_u32_t>(i + 1);
+    }
+}
+
+} // namespace pwr
