@@ -1,0 +1,69 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+using Nanoseconds = std::chrono::duration<double, std::nano>;
+
+/// Measures several ways of doing one thing in turn, so that a change of the machine's speed meets
+/// all of them, and prints the median of each beside its ratio to the first.
+class Interleaved {
+public:
+    explicit Interleaved(std::string title) : m_title(std::move(title)) {
+    }
+
+    /// The function works on `items` items and returns how long that took, set-up left out.
+    void add(std::string name, std::size_t items, std::function<Nanoseconds()> run) {
+        m_rows.push_back({std::move(name), items, std::move(run), {}});
+    }
+
+    void report(int repetitions = 7) {
+        for (int i = 0; i <= repetitions; ++i) {
+            for (Row& row : m_rows) {
+                const Nanoseconds taken = row.run();
+                if (i > 0) { // the first round warms caches and branches up
+                    row.perItem.push_back(taken.count() / static_cast<double>(row.items));
+                }
+            }
+        }
+        std::printf("%s\n", m_title.c_str());
+        const double limit = median_i(m_rows.front());
+        for (Row& row : m_rows) {
+            const double cost = median_i(row);
+            std::printf("  %-44s %9.2f ns  %6.2f x\n", row.name.c_str(), cost, cost / limit);
+        }
+    }
+
+private:
+    struct Row {
+        std::string name;
+        std::size_t items;
+        std::function<Nanoseconds()> run;
+        std::vector<double> perItem;
+    };
+
+    static double median_i(Row& row) {
+        const auto middle = row.perItem.begin() + static_cast<std::ptrdiff_t>(row.perItem.size() / 2);
+        std::nth_element(row.perItem.begin(), middle, row.perItem.end());
+        return *middle;
+    }
+
+    std::string m_title;
+    std::vector<Row> m_rows;
+};
+
+/// How long the work takes.
+template <class Work> Nanoseconds timed(const Work& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::steady_clock::now() - start;
+}
+
+} // namespace bench
