@@ -10,7 +10,7 @@ namespace pwr {
 
 ResultFile::ResultFile(const std::string& path) : m_path(path), m_partPath(path + ".part") {
     errno = 0;
-    m_file.open(m_partPath, std::ios::binary | std::ios::trunc);
+    m_file.open(std::filesystem::path(m_partPath), std::ios::binary | std::ios::trunc);
     fail_i();
     if (!m_file.is_open()) {
         m_partPath.clear(); // what stands there is not ours to remove

@@ -21,6 +21,9 @@ public:
 
     void write(std::string_view text);
 
+    /// The reason of the first failure so far; "" while all is well.
+    const std::string& getError() const { return m_error; }
+
     /// Gives the file its final name. 0; or 1, and the reason with the path ("report.txt: No space left on device").
     int commit(std::string& error);
 

@@ -41,7 +41,8 @@ int main() {
         pwr::SystemMetadata system;
         system.startTSC = 1000;
         system.twaClockFreq = 1000.0F; // ticks are nanoseconds
-        pwr::Metric fan("Fan speed", pwr::Metric::MetricType::SampledValue, "FAN", "cooling", system, nullptr);
+        pwr::Metric fan("Fan speed", pwr::Metric::MetricType::SampledValue, "FAN", "cooling", system,
+                        nullptr);
         pwr::DataElement sample(pwr::EntityHandle::create("Front fan", nullptr), nullptr);
         const std::uint64_t rpm[] = {1200, 1500, 1350};
         for (std::uint64_t i = 0; i < 3; ++i) {

@@ -75,14 +75,9 @@ int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, s
         }
         deadline = schedule.nextDeadline(clock.now());
     }
-    pwr::ResultFile file;
-    const std::string text = writer.text();
-    if (file.open(settings.captureFile, reason) != 0 || file.write(text.data(), text.size()) != 0 ||
-        file.commit(reason) != 0) {
-        reason = "cannot write " + settings.captureFile + ": " + reason;
-        return 1;
-    }
-    return 0;
+    pwr::ResultFile file(settings.captureFile);
+    file.write(writer.text());
+    return file.commit(reason);
 }
 
 } // namespace tarnwell

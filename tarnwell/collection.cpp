@@ -18,7 +18,9 @@ namespace {
 constexpr double kMillisecondsPerSecond = 1000.0;
 constexpr std::uint64_t kNanosecondsPerMicrosecond = 1000;
 
-std::uint64_t microsecondsSinceEpoch() { return pwr::TWNanoClock().getTimestamp() / kNanosecondsPerMicrosecond; }
+std::uint64_t microsecondsSinceEpoch() {
+    return pwr::TWNanoClock().getTimestamp() / kNanosecondsPerMicrosecond;
+}
 
 } // namespace
 
@@ -69,7 +71,8 @@ CollectionOutcome Collection::run(pwr::platform::ChildProcess* child, ProgressLi
     m_system.producedSamples = m_messages.producedValues();
     m_outcome.missedTicks = schedule.missed();
     m_outcome.seconds = static_cast<double>(m_system.stopTSC - begin) / ticksPerSecond;
-    m_outcome.meanIntervalMs = millisecondsOf_i(m_lastRead - begin) / static_cast<double>(m_outcome.polls + 1);
+    m_outcome.meanIntervalMs =
+        millisecondsOf_i(m_lastRead - begin) / static_cast<double>(m_outcome.polls + 1);
     return m_outcome;
 }
 
@@ -85,7 +88,8 @@ std::uint64_t Collection::plannedStop_i() const {
 void Collection::read_i(const char* trigger) {
     const std::uint64_t at = m_clock.now();
     if (at > m_lastRead) {
-        m_outcome.longestIntervalMs = std::max(m_outcome.longestIntervalMs, millisecondsOf_i(at - m_lastRead));
+        m_outcome.longestIntervalMs =
+            std::max(m_outcome.longestIntervalMs, millisecondsOf_i(at - m_lastRead));
     }
     m_lastRead = at;
     m_messages.execute(trigger, m_metrics);

@@ -40,7 +40,8 @@ void CollectionClock::waitUntil(std::uint64_t deadline, pwr::platform::ChildProc
     }
     const std::uint64_t current = now();
     if (current < deadline) {
-        const double nanoseconds = static_cast<double>(deadline - current) / ticksPerSecond() * kNanosecondsPerSecond;
+        const double nanoseconds =
+            static_cast<double>(deadline - current) / ticksPerSecond() * kNanosecondsPerSecond;
         const double sleep = std::min(nanoseconds, kLongestSleepNanoseconds);
         pwr::platform::waitForEvent(static_cast<std::uint64_t>(sleep), child);
     }

@@ -11,6 +11,8 @@ enum class ExitCode : int {
     COMMAND_NOT_FOUND = 127 ///< the command to run could not be started
 };
 
-constexpr int toInt(ExitCode code) { return static_cast<int>(code); }
+constexpr int toInt(ExitCode code) {
+    return static_cast<int>(code);
+}
 
 } // namespace tarnwell

@@ -33,7 +33,9 @@ HostEnvironment::~HostEnvironment() {
     environment.setDataOutputHandle(nullptr);
 }
 
-const std::string& HostEnvironment::folder() const { return g_pluginEnvironment->getTarnwellDirectory(); }
+const std::string& HostEnvironment::folder() const {
+    return g_pluginEnvironment->getTarnwellDirectory();
+}
 
 void HostEnvironment::openStream(std::set<WriterPlugin*>& writers) {
     m_stream = pwr::WriterStreamHost::create(writers);

@@ -36,7 +36,8 @@ std::map<std::string, std::string> firstProcessorOf(const std::string& text) {
         }
         const std::size_t colon = line.find(':');
         if (colon != std::string::npos) {
-            facts.emplace(pwr::LineReader::trim(line.substr(0, colon)), pwr::LineReader::trim(line.substr(colon + 1)));
+            facts.emplace(pwr::LineReader::trim(line.substr(0, colon)),
+                          pwr::LineReader::trim(line.substr(colon + 1)));
         }
     }
     return facts;
@@ -53,7 +54,8 @@ pwr::platform::ProcessorIdentity identityOf(const pwr::MachineFiles& machine, bo
     if (facts.count("cpu family") == 0) {
         return isLive ? pwr::platform::processorIdentity() : pwr::platform::ProcessorIdentity{};
     }
-    return {numberOf(facts["cpu family"]), numberOf(facts["model"]), numberOf(facts["stepping"]), facts["model name"]};
+    return {numberOf(facts["cpu family"]), numberOf(facts["model"]), numberOf(facts["stepping"]),
+            facts["model name"]};
 }
 
 pwr::platform::OperatingSystem operatingSystemOf(const pwr::MachineFiles& machine, bool isLive) {
@@ -78,7 +80,9 @@ float frequencyOf(const pwr::MachineFiles& machine, const char* file) {
 }
 
 /// The saved texts must not be empty: an empty one reads back as missing.
-std::string known(const std::string& text) { return text.empty() ? "unknown" : text; }
+std::string known(const std::string& text) {
+    return text.empty() ? "unknown" : text;
+}
 
 } // namespace
 

@@ -32,7 +32,9 @@ constexpr std::array<CoreKind, 2> kCoreKinds{{
     {"/sys/devices/cpu_atom/cpus", 0x20000000},
 }};
 
-std::string processorFolder(int processor) { return "/sys/devices/system/cpu/cpu" + std::to_string(processor); }
+std::string processorFolder(int processor) {
+    return "/sys/devices/system/cpu/cpu" + std::to_string(processor);
+}
 
 bool readList(const MachineFiles& machine, const std::string& path, std::vector<int>& out) {
     std::string text;

@@ -79,7 +79,8 @@ void MessageSet::open_i(CollectorPlugin* collector, const pwr::MsgMetadata& meta
     m_messages.push_back(std::move(message));
 }
 
-void MessageSet::announce(const std::vector<MetricPlugin*>& metrics, const pwr::SystemMetadata& system) const {
+void MessageSet::announce(const std::vector<MetricPlugin*>& metrics,
+                          const pwr::SystemMetadata& system) const {
     for (MetricPlugin* metric : metrics) {
         for (const std::unique_ptr<pwr::Metadata>& declaration : m_declarations) {
             metric->processMetadata(*declaration);

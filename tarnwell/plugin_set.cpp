@@ -8,7 +8,8 @@ namespace tarnwell {
 
 PluginSet::~PluginSet() = default;
 
-void PluginSet::load(const std::string& folder, const std::vector<std::pair<std::string, std::string>>& options) {
+void PluginSet::load(const std::string& folder,
+                     const std::vector<std::pair<std::string, std::string>>& options) {
     for (const auto& [key, value] : options) {
         m_loader.setOption(key, value);
     }

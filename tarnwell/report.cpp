@@ -46,14 +46,16 @@ void describeRun(const Settings& settings, const CollectionClock& clock, pwr::Sy
 }
 
 std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const MessageSet& messages,
-                                     const std::vector<std::string>& absent, const std::vector<std::string>& missing) {
+                                     const std::vector<std::string>& absent,
+                                     const std::vector<std::string>& missing) {
     std::vector<std::string> notes;
     notes.push_back(std::to_string(outcome.polls) + " polls; interval achieved: mean " +
-                    milliseconds(outcome.meanIntervalMs) + ", longest " + milliseconds(outcome.longestIntervalMs) +
+                    milliseconds(outcome.meanIntervalMs) + ", longest " +
+                    milliseconds(outcome.longestIntervalMs) +
                     "; missed ticks: " + std::to_string(outcome.missedTicks));
     if (messages.missingValues() > 0) {
-        notes.push_back("Values that could not be read: " + std::to_string(messages.missingValues()) + " of " +
-                        std::to_string(messages.missingValues() + messages.producedValues()));
+        notes.push_back("Values that could not be read: " + std::to_string(messages.missingValues()) +
+                        " of " + std::to_string(messages.missingValues() + messages.producedValues()));
     }
     for (const std::string& problem : messages.problems()) {
         notes.push_back("Missing: " + problem);
@@ -89,9 +91,8 @@ std::string outputPrefixProblem(const std::string& prefix) {
         return "--output " + prefix + ": names a folder; give a file name to start the result files with";
     }
     // Writing and dropping an uncommitted file is the only test that knows rights, disks and read-only mounts.
-    pwr::ResultFile probe;
-    std::string reason;
-    return probe.open(prefix + ".txt", reason) == 0 ? std::string() : "--output " + prefix + ": " + reason;
+    const pwr::ResultFile probe(prefix + ".txt");
+    return probe.getError().empty() ? std::string() : "--output " + prefix + ": " + probe.getError();
 }
 
 } // namespace tarnwell

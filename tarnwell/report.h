@@ -23,7 +23,8 @@ void describeRun(const Settings& settings, const CollectionClock& clock, pwr::Sy
 /// What a reader of the report must know about its quality: the interval that was achieved, missed ticks,
 /// missing values, and features that are not in it.
 std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const MessageSet& messages,
-                                     const std::vector<std::string>& absent, const std::vector<std::string>& missing);
+                                     const std::vector<std::string>& absent,
+                                     const std::vector<std::string>& missing);
 
 /// Sends the system record, all tables and the notes through the stream, and has the writers write. 0; or 1
 /// when a writer could not.

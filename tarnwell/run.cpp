@@ -74,8 +74,9 @@ private:
         for (const std::string& name : m_settings.features) {
             const Feature* feature = features.find(name);
             if (feature == nullptr) {
-                return fail(ExitCode::USAGE, "unknown feature \"" + name + "\"; there are: " + features.names(true) +
-                                                 (features.names(false).empty() ? "" : ", " + features.names(false)));
+                return fail(ExitCode::USAGE,
+                            "unknown feature \"" + name + "\"; there are: " + features.names(true) +
+                                (features.names(false).empty() ? "" : ", " + features.names(false)));
             }
             if (feature->isAvailable) {
                 m_chosen.insert(name);
@@ -127,7 +128,8 @@ private:
             std::string reason;
             child = pwr::platform::ChildProcess::start(m_settings.command, reason);
             if (child == nullptr) {
-                return fail(ExitCode::COMMAND_NOT_FOUND, "cannot start " + m_settings.command.front() + ": " + reason);
+                return fail(ExitCode::COMMAND_NOT_FOUND,
+                            "cannot start " + m_settings.command.front() + ": " + reason);
             }
         }
         ProgressLine progress(!m_settings.quiet && isErrorTerminal());
@@ -144,15 +146,16 @@ private:
             }
             commandCode = child->wait();
         }
-        const int written = writeReport(m_environment, m_plugins.metrics(), m_system, reportNotes(outcome, m_messages, m_absent, m_missing));
+        const int written = writeReport(m_environment, m_plugins.metrics(), m_system,
+                                        reportNotes(outcome, m_messages, m_absent, m_missing));
         if (commandCode != 0) {
             return commandCode;
         }
         if (written != 0 || m_environment.hasOutputFailed()) {
             return fail(ExitCode::FAILED, "the results could not be written completely");
         }
-        const bool isWhole = m_missing.empty() && m_plugins.problems().empty() && m_messages.problems().empty() &&
-                             m_messages.failedReads() == 0;
+        const bool isWhole = m_missing.empty() && m_plugins.problems().empty() &&
+                             m_messages.problems().empty() && m_messages.failedReads() == 0;
         return toInt(isWhole ? ExitCode::DONE : ExitCode::PARTIAL);
     }
 

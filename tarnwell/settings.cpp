@@ -23,13 +23,14 @@ constexpr const char* kDescription =
     "Collects power, performance and thermal counters of this machine and prints summary tables.\n"
     "Collects for --time seconds, until Ctrl-C, or while COMMAND runs.";
 
-constexpr const char* kFooter = "Commands:\n"
-                                "  tarnwell doctor             say what this machine offers, and why not the rest\n"
-                                "  tarnwell --feature          the same\n"
-                                "  tarnwell [options] -- CMD   collect while CMD runs\n"
-                                "\n"
-                                "Exit codes: 0 done, 1 failed, 2 usage, 3 partial (something asked for is missing),\n"
-                                "127 COMMAND could not be started; a non-zero code of COMMAND wins.";
+constexpr const char* kFooter =
+    "Commands:\n"
+    "  tarnwell doctor             say what this machine offers, and why not the rest\n"
+    "  tarnwell --feature          the same\n"
+    "  tarnwell [options] -- CMD   collect while CMD runs\n"
+    "\n"
+    "Exit codes: 0 done, 1 failed, 2 usage, 3 partial (something asked for is missing),\n"
+    "127 COMMAND could not be started; a non-zero code of COMMAND wins.";
 
 struct RawOptions {
     std::string interval;
@@ -78,14 +79,18 @@ void declareOptions(CLI::App& app, Settings& settings, RawOptions& raw) {
     app.description(kDescription);
     app.footer(kFooter);
     app.set_version_flag("--version", std::string("tarnwell ") + kVersion);
-    app.add_option("--feature", settings.features, "collect this feature only; repeat for more; without NAME: list")
+    app.add_option("--feature", settings.features,
+                   "collect this feature only; repeat for more; without NAME: list")
         ->type_name("NAME")
         ->allow_extra_args(false);
-    app.add_option("--interval", raw.interval, "milliseconds between samples (1 to 60000; default 100)")->type_name("MS");
+    app.add_option("--interval", raw.interval, "milliseconds between samples (1 to 60000; default 100)")
+        ->type_name("MS");
     app.add_option("--time", raw.time, "seconds to collect; with a command: at most so long")->type_name("S");
-    app.add_option("--output", settings.outputPrefix, "also write PREFIX.txt and one PREFIX_*.csv for each table")
+    app.add_option("--output", settings.outputPrefix,
+                   "also write PREFIX.txt and one PREFIX_*.csv for each table")
         ->type_name("PREFIX");
-    app.add_option("--output-config", settings.outputConfig, "output configuration instead of the shipped files")
+    app.add_option("--output-config", settings.outputConfig,
+                   "output configuration instead of the shipped files")
         ->type_name("FILE")
         ->allow_extra_args(false);
     app.add_option("--machine", settings.machine, "read the machine from this root folder or captured bundle")
@@ -118,10 +123,17 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
 
     CLI::App app("", "tarnwell");
     declareOptions(app, settings, raw);
-    CLI::App* doctor = app.add_subcommand("doctor", "say what this machine offers and, for what it does not, why");
-    doctor->add_option("--capture", settings.captureFile, "also write a bundle of the machine for tests and bug reports")
+    CLI::App* doctor =
+        app.add_subcommand("doctor", "say what this machine offers and, for what it does not, why");
+    doctor
+        ->add_option("--capture", settings.captureFile,
+                     "also write a bundle of the machine for tests and bug reports")
         ->type_name("FILE");
-    doctor->add_option("--machine", settings.machine, "look at this root folder or captured bundle")->type_name("PLACE");
+    doctor->add_option("--time", raw.time, "seconds to record for the bundle (default 1)")->type_name("S");
+    doctor->add_option("--interval", raw.interval, "milliseconds between the bundle's moments")
+        ->type_name("MS");
+    doctor->add_option("--machine", settings.machine, "look at this root folder or captured bundle")
+        ->type_name("PLACE");
 
     const bool question = isFeatureQuestion(own);
     if (question) {

@@ -7,8 +7,12 @@
 
 namespace tarnwell {
 
-bool wantsColor() { return pwr::pw_getenv("NO_COLOR").empty() && pwr::platform::isTerminal(stdout); }
+bool wantsColor() {
+    return pwr::pw_getenv("NO_COLOR").empty() && pwr::platform::isTerminal(stdout);
+}
 
-bool isErrorTerminal() { return pwr::platform::isTerminal(stderr); }
+bool isErrorTerminal() {
+    return pwr::platform::isTerminal(stderr);
+}
 
 } // namespace tarnwell

@@ -8,7 +8,8 @@ namespace tarnwell {
 /// stamped in nanoseconds. Replaying it takes no time and gives the same report every time.
 class ToldClock : public pwr::TWClockSource {
 public:
-    ToldClock() : TWClockSource("1d0a1f0e-6f0c-4f6e-9a3b-0b8f4b3f2c61", "TOLD", "The clock of a recorded machine") {}
+    ToldClock()
+        : TWClockSource("1d0a1f0e-6f0c-4f6e-9a3b-0b8f4b3f2c61", "TOLD", "The clock of a recorded machine") {}
 
     float getFrequency() const override { return kNanosecondsPerMicrosecond; }
     pw_u64_t getTimestamp() const override { return m_now; }

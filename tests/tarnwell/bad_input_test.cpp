@@ -10,12 +10,15 @@ using namespace kr_test;
 
 const bool kOnWindows = pwr::PathOps::getPathSeparator() == '\\';
 
-std::string machine() { return (dataFolder() / "machines" / "one-processor.bundle").string(); }
+std::string machine() {
+    return (dataFolder() / "machines" / "one-processor.bundle").string();
+}
 
 void expectFailure(const ProgramResult& result, int exitCode, const std::vector<std::string>& texts) {
     EXPECT_EQ(exitCode, result.exitCode) << result.errors;
     for (const std::string& text : texts) {
-        EXPECT_NE(std::string::npos, result.errors.find(text)) << "not said: " << text << "\nsaid: " << result.errors;
+        EXPECT_NE(std::string::npos, result.errors.find(text))
+            << "not said: " << text << "\nsaid: " << result.errors;
     }
 }
 
@@ -59,13 +62,15 @@ TEST(BadInput, inTheOutputConfigurationIsNamedWithFileLineAndWhat) {
     const ScratchFolder scratch;
     const fs::path config = scratch.path() / "part.cfg";
     writeFile(config, "# order\nALL_OUTPUT-ORDER_TAG_FEATURE_ORDER=idle\nidle_IDLE_nonsense=1\nalso_bad=2\n");
-    const ProgramResult result = runProgram(scratch, {"--machine", machine(), "--output-config", config.string()});
+    const ProgramResult result =
+        runProgram(scratch, {"--machine", machine(), "--output-config", config.string()});
     expectFailure(result, 1,
-                  {"ERROR parsing line idle_IDLE_nonsense=1 (part.cfg:3)", "ERROR parsing line also_bad=2 (part.cfg:4)",
-                   "ERROR parsing config file"});
+                  {"ERROR parsing line idle_IDLE_nonsense=1 (part.cfg:3)",
+                   "ERROR parsing line also_bad=2 (part.cfg:4)", "ERROR parsing config file"});
     EXPECT_EQ("", result.output);
 
-    const ProgramResult missing = runProgram(scratch, {"--machine", machine(), "--output-config", "absent.cfg"});
+    const ProgramResult missing =
+        runProgram(scratch, {"--machine", machine(), "--output-config", "absent.cfg"});
     expectFailure(missing, 1, {"Error opening config file absent.cfg"});
 }
 
@@ -83,7 +88,8 @@ TEST(BadInput, aFullDiskLeavesNoHalfReport) {
     const ScratchFolder scratch;
     const fs::path prefix = scratch.path() / "run";
     // One block of 512 bytes for every file that the program writes.
-    const ProgramResult result = runProgram(scratch, {"--machine", machine(), "--output", prefix.string()}, "ulimit -f 1; ");
+    const ProgramResult result =
+        runProgram(scratch, {"--machine", machine(), "--output", prefix.string()}, "ulimit -f 1; ");
     expectFailure(result, 1, {"run.txt"});
     EXPECT_FALSE(fs::exists(prefix.string() + ".txt"));
     EXPECT_FALSE(fs::exists(prefix.string() + ".txt.part"));
@@ -92,7 +98,8 @@ TEST(BadInput, aFullDiskLeavesNoHalfReport) {
 /// Puts a file among the installed plug-ins for the length of one test.
 class StrayPlugin {
 public:
-    StrayPlugin(const std::string& name, const std::string& text) : m_path(installedLibraryFolder() / "plugins" / name) {
+    StrayPlugin(const std::string& name, const std::string& text)
+        : m_path(installedLibraryFolder() / "plugins" / name) {
         writeFile(m_path, text);
     }
     StrayPlugin(const StrayPlugin&) = delete;
@@ -132,8 +139,8 @@ TEST(Program, missingFeatureIsPartialAndTheOthersGoOn) {
 
 TEST(Program, commandsCodeWins) {
     const ScratchFolder scratch;
-    const std::vector<std::string> shell =
-        kOnWindows ? std::vector<std::string>{"cmd", "/c", "exit 7"} : std::vector<std::string>{"sh", "-c", "exit 7"};
+    const std::vector<std::string> shell = kOnWindows ? std::vector<std::string>{"cmd", "/c", "exit 7"}
+                                                      : std::vector<std::string>{"sh", "-c", "exit 7"};
     std::vector<std::string> arguments = {"--feature", "cpu", "--"};
     arguments.insert(arguments.end(), shell.begin(), shell.end());
     EXPECT_EQ(7, runProgram(scratch, arguments).exitCode);

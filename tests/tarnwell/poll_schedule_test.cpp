@@ -20,7 +20,9 @@ TEST(PollSchedule, keepsAbsoluteTicksAndCountsWhatPassed) {
     };
     const std::vector<Case> cases = {
         {"in time", 1350, {{1000, 1100, 0}, {1101, 1200, 0}, {1205, 1300, 0}, {1310, 1350, 0}}},
-        {"late within the tick does not drift", 1400, {{1000, 1100, 0}, {1199, 1200, 0}, {1299, 1300, 0}, {1301, 1400, 0}}},
+        {"late within the tick does not drift",
+         1400,
+         {{1000, 1100, 0}, {1199, 1200, 0}, {1299, 1300, 0}, {1301, 1400, 0}}},
         {"one tick passed", 2000, {{1000, 1100, 0}, {1250, 1300, 1}}},
         {"exactly on the next tick counts it as passed", 2000, {{1000, 1100, 0}, {1200, 1300, 1}}},
         {"woken early does not poll a tick twice", 2000, {{1000, 1100, 0}, {1099, 1200, 0}}},

@@ -30,7 +30,9 @@ int exitCodeOf(int status) {
     return kOnWindows ? status : (status >> kBitsBelowPosixCode) & 0xFF;
 }
 
-fs::path stageFolder() { return pwr::pw_getenv("KR_TEST_STAGE"); }
+fs::path stageFolder() {
+    return pwr::pw_getenv("KR_TEST_STAGE");
+}
 
 } // namespace
 
@@ -44,11 +46,14 @@ void writeFile(const fs::path& path, const std::string& text) {
     file << text;
 }
 
-fs::path dataFolder() { return pwr::pw_getenv("KR_TEST_DATA"); }
+fs::path dataFolder() {
+    return pwr::pw_getenv("KR_TEST_DATA");
+}
 
 ScratchFolder::ScratchFolder() {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    m_path = fs::path(pwr::tw_temp_directory_path()) / (std::string("tarnwell_") + test->test_suite_name() + "_" + test->name());
+    m_path = fs::path(pwr::tw_temp_directory_path()) /
+             (std::string("tarnwell_") + test->test_suite_name() + "_" + test->name());
     fs::remove_all(m_path);
     fs::create_directories(m_path);
 }
@@ -58,7 +63,9 @@ ScratchFolder::~ScratchFolder() {
     fs::remove_all(m_path, ignored);
 }
 
-fs::path installedProgram() { return stageFolder() / "bin" / (kOnWindows ? "tarnwell.exe" : "tarnwell"); }
+fs::path installedProgram() {
+    return stageFolder() / "bin" / (kOnWindows ? "tarnwell.exe" : "tarnwell");
+}
 
 fs::path installedLibraryFolder() {
     if (kOnWindows) {

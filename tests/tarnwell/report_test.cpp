@@ -50,8 +50,8 @@ std::vector<ReportCase> allCases() {
 }
 
 std::vector<std::string> argumentsOf(const ReportCase& reportCase) {
-    std::vector<std::string> arguments = {"--machine",
-                                          (dataFolder() / "machines" / reportCase.facts.at("machine")).string()};
+    std::vector<std::string> arguments = {
+        "--machine", (dataFolder() / "machines" / reportCase.facts.at("machine")).string()};
     std::istringstream words(reportCase.facts.at("arguments"));
     for (std::string word; words >> word;) {
         arguments.push_back(word);
@@ -86,7 +86,8 @@ TEST(Report, goesToFilesAsItGoesToTheStandardOutput) {
 
     unsigned csvFiles = 0;
     for (const auto& entry : fs::directory_iterator(scratch.path())) {
-        EXPECT_EQ(std::string::npos, entry.path().filename().string().find(".part")) << "left over: " << entry.path();
+        EXPECT_EQ(std::string::npos, entry.path().filename().string().find(".part"))
+            << "left over: " << entry.path();
         csvFiles += entry.path().extension() == ".csv" ? 1U : 0U;
     }
     EXPECT_GT(csvFiles, 0U);

@@ -39,7 +39,8 @@ struct ChildProcess::State {
 ChildProcess::ChildProcess(std::unique_ptr<State> state) : m_state(std::move(state)) {}
 ChildProcess::~ChildProcess() = default;
 
-std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>& command, std::string& reason) {
+std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>& command,
+                                                  std::string& reason) {
     if (command.empty()) {
         reason = "no command given";
         return nullptr;
@@ -109,6 +110,8 @@ void ChildProcess::interrupt() {
     }
 }
 
-void* ChildProcess::systemHandle() const { return nullptr; }
+void* ChildProcess::systemHandle() const {
+    return nullptr;
+}
 
 } // namespace pwr::platform

@@ -53,7 +53,9 @@ int installInterruptHandler() {
     return result;
 }
 
-unsigned interruptCount() { return g_interrupts.load(); }
+unsigned interruptCount() {
+    return g_interrupts.load();
+}
 
 void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {
     if (interruptCount() > 0 || (child != nullptr && child->hasEnded())) {
@@ -67,8 +69,7 @@ void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {
     if (ppoll(&end, ends, &wait, nullptr) > 0) {
         // A child's end must not keep waking the later waits.
         char bytes[64];
-        while (read(g_wakeReadEnd, bytes, sizeof bytes) > 0) {
-        }
+        while (read(g_wakeReadEnd, bytes, sizeof bytes) > 0) {}
     }
 }
 

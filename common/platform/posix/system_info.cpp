@@ -4,7 +4,9 @@
 
 namespace pwr::platform {
 
-std::vector<LogicalProcessor> logicalProcessors() { return {}; }
+std::vector<LogicalProcessor> logicalProcessors() {
+    return {};
+}
 
 OperatingSystem operatingSystem() {
     utsname names{};

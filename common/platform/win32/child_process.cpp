@@ -42,7 +42,8 @@ struct ChildProcess::State {
 ChildProcess::ChildProcess(std::unique_ptr<State> state) : m_state(std::move(state)) {}
 ChildProcess::~ChildProcess() = default;
 
-std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>& command, std::string& reason) {
+std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>& command,
+                                                  std::string& reason) {
     if (command.empty()) {
         reason = "no command given";
         return nullptr;
@@ -55,7 +56,8 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started{};
-    if (CreateProcessW(nullptr, wideLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &started) == 0) {
+    if (CreateProcessW(nullptr, wideLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                       &started) == 0) {
         reason = errorText(GetLastError());
         return nullptr;
     }
@@ -65,7 +67,9 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>
     return std::unique_ptr<ChildProcess>(new ChildProcess(std::move(state)));
 }
 
-bool ChildProcess::hasEnded() { return WaitForSingleObject(m_state->process, 0) == WAIT_OBJECT_0; }
+bool ChildProcess::hasEnded() {
+    return WaitForSingleObject(m_state->process, 0) == WAIT_OBJECT_0;
+}
 
 int ChildProcess::wait() {
     WaitForSingleObject(m_state->process, INFINITE);
@@ -76,6 +80,8 @@ int ChildProcess::wait() {
 
 void ChildProcess::interrupt() {}
 
-void* ChildProcess::systemHandle() const { return m_state->process; }
+void* ChildProcess::systemHandle() const {
+    return m_state->process;
+}
 
 } // namespace pwr::platform

@@ -31,7 +31,9 @@ int installInterruptHandler() {
     return g_wakeEvent.load() != nullptr && SetConsoleCtrlHandler(onConsoleEvent, TRUE) != 0 ? 0 : 1;
 }
 
-unsigned interruptCount() { return g_interrupts.load(); }
+unsigned interruptCount() {
+    return g_interrupts.load();
+}
 
 void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {
     if (interruptCount() > 0) {

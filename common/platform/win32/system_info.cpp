@@ -55,7 +55,8 @@ std::vector<LogicalProcessor> logicalProcessors() {
     const auto processorOf = [&](int thread) -> LogicalProcessor& {
         const auto at = std::find_if(processors.begin(), processors.end(),
                                      [&](const LogicalProcessor& p) { return p.thread == thread; });
-        return at != processors.end() ? *at : processors.emplace_back(LogicalProcessor{thread, -1, -1, -1, -1});
+        return at != processors.end() ? *at
+                                      : processors.emplace_back(LogicalProcessor{thread, -1, -1, -1, -1});
     };
     int package = 0;
     forEachRecord(RelationProcessorPackage, [&](const Record& record) {
