@@ -1,4 +1,5 @@
 #include "common/platform/file.h"
+#include "common/platform/raw_file.h"
 #include "common/pw_utils.h"
 
 #include <algorithm>
@@ -86,7 +87,7 @@ std::vector<std::string> matchesBelow(const std::vector<std::string>& folders, s
             matches.push_back(folder + std::string(part));
             continue;
         }
-        std::vector<std::string> names;
+        std::vector<std::string> names; // stays empty when the folder cannot be listed
         platform::listFolder(folder.empty() ? "." : folder, names);
         for (const std::string& name : names) {
             if (matchesName(part, name)) {

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 // Files and folders by UTF-8 paths. What fails tells why in errno, unless it says otherwise.
 
@@ -19,8 +18,6 @@ KRCOMMON_API bool pathExists(const std::string& path);
 KRCOMMON_API bool isFolder(const std::string& path);
 /// Makes one folder; the one above it must be there.
 KRCOMMON_API bool makeFolder(const std::string& path);
-/// Appends the names in a folder, sorted by their bytes, without "." and "..".
-KRCOMMON_API bool listFolder(const std::string& path, std::vector<std::string>& names);
 /// The folder for temporary files, without a separator at the end.
 KRCOMMON_API std::string temporaryFolder();
 /// Gives a file another name; a file of that name is replaced in one step, so that whoever looks sees

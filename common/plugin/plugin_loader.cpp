@@ -1,11 +1,12 @@
 #include "common/plugin/plugin_loader.h"
 
-#include "common/platform/file.h"
 #include "common/platform/module.h"
+#include "common/platform/raw_file.h"
 #include "common/plugin/logger.h"
 #include "common/pw_utils.h"
 #include "common/values/data.h"
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
 
@@ -105,9 +106,10 @@ PluginLoader::~PluginLoader() {
 
 int PluginLoader::loadFolder(const std::string& folder) {
     std::vector<std::string> names;
-    if (!platform::listFolder(folder, names)) {
+    if (platform::listFolder(folder, names) != 0) {
         return 1;
     }
+    std::sort(names.begin(), names.end());
     int result = 0;
     for (const std::string& name : names) {
         if (endsWith(name, platform::moduleSuffix()) &&

@@ -1,12 +1,7 @@
 #include "common/platform/file.h"
 
-#include <algorithm>
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,23 +24,6 @@ bool isFolder(const std::string& path) {
 bool makeFolder(const std::string& path) {
     constexpr mode_t everybodyAsTheMaskAllows = 0777;
     return mkdir(path.c_str(), everybodyAsTheMaskAllows) == 0;
-}
-
-bool listFolder(const std::string& path, std::vector<std::string>& names) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(path.c_str()),
-                                                     [](DIR* dir) { return closedir(dir); });
-    if (!folder) {
-        return false;
-    }
-    const auto before = static_cast<std::ptrdiff_t>(names.size());
-    errno = 0;
-    while (const dirent* const entry = readdir(folder.get())) {
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-            names.emplace_back(entry->d_name);
-        }
-    }
-    std::sort(names.begin() + before, names.end());
-    return errno == 0;
 }
 
 std::string temporaryFolder() {

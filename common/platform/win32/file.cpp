@@ -1,7 +1,6 @@
 #include "common/platform/file.h"
 #include "common/platform/win32/wide_text.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <io.h>
@@ -54,25 +53,6 @@ bool isFolder(const std::string& path) {
 
 bool makeFolder(const std::string& path) {
     return succeeded(CreateDirectoryW(wideText(path).c_str(), nullptr));
-}
-
-bool listFolder(const std::string& path, std::vector<std::string>& names) {
-    WIN32_FIND_DATAW entry;
-    const HANDLE search = FindFirstFileW(wideText(path + "\\*").c_str(), &entry);
-    if (search == INVALID_HANDLE_VALUE) {
-        errno = errnoOf(GetLastError());
-        return false;
-    }
-    const auto before = static_cast<std::ptrdiff_t>(names.size());
-    do {
-        std::string name = narrowText(entry.cFileName);
-        if (name != "." && name != "..") {
-            names.push_back(std::move(name));
-        }
-    } while (FindNextFileW(search, &entry) != 0);
-    FindClose(search);
-    std::sort(names.begin() + before, names.end());
-    return true;
 }
 
 std::string temporaryFolder() {
