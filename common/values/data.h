@@ -90,7 +90,8 @@ public:
         if (!other.m_text.empty()) m_text = other.m_text;
         if (other.m_formatter) copyFormatter_i(other);
     }
-    Data& operator=(const Data& other) {
+    // Safe for a value assigned to itself: the formatter is cloned before the old one goes.
+    Data& operator=(const Data& other) { // NOLINT(bugprone-unhandled-self-assignment)
         if (m_formatter || other.m_formatter) copyFormatter_i(other);
         if (!m_text.empty() || !other.m_text.empty()) m_text = other.m_text;
         m_words[0] = other.m_words[0];
