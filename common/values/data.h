@@ -83,6 +83,7 @@ public:
     Data(double low, double high) noexcept
         : Data(DataType::REAL_RANGE, std::bit_cast<std::uint64_t>(low), std::bit_cast<std::uint64_t>(high),
                true) {}
+    template <NarrowInteger T> Data(T low, T high) noexcept : Data(widen_i(low), widen_i(high)) {}
 
     Data(const Data& other)
         : m_words{other.m_words[0], other.m_words[1]}, m_helper(other.m_helper), m_type(other.m_type),
