@@ -13,7 +13,7 @@ class EntityHandle;
 class TableMessage;
 
 /// What a writer needs to know of one column of a table.
-struct TableColumn {
+struct KRCOMMON_API TableColumn {
     enum class Kind { ROW_ENTITY, LABEL, SHARED, VALUE };
 
     Kind kind;
