@@ -1,0 +1,225 @@
+#include "plugins/collectors/text_files/text_files.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "common/metadata/msg_metadata.h"
+#include "common/plugin/logger.h"
+#include "common/plugin/plugin_environment.h"
+#include "common/plugin/plugin_loader.h"
+#include "common/tw_clock.h"
+#include "common/values/data.h"
+#include "plugins/collectors/text_files/features.h"
+
+namespace text_files {
+
+namespace {
+
+using pwr::FeatureRow;
+using pwr::MessageRow;
+using pwr::MsgMetadata;
+
+constexpr const char* DENIED_FIX = "run as root, or let this user read that file";
+
+const MsgMetadata& messageOf(const std::vector<std::unique_ptr<pwr::Metadata>>& declaration) {
+    return dynamic_cast<const MsgMetadata&>(*declaration.front());
+}
+
+/// One pattern of a list such as "loop*,ram*": a name, or the start of one.
+bool isListed(std::string_view name, std::string_view patterns) {
+    while (!patterns.empty()) {
+        const std::size_t end = std::min(patterns.find(','), patterns.size());
+        std::string_view pattern = patterns.substr(0, end);
+        patterns.remove_prefix(std::min(end + 1, patterns.size()));
+        const bool isStart = pattern.ends_with('*');
+        pattern.remove_suffix(isStart ? 1 : 0);
+        if (isStart ? name.starts_with(pattern) : name == pattern) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+TextFiles::TextFiles() : CollectorPlugin("text_files") {}
+
+TextFiles::~TextFiles() = default;
+
+int TextFiles::setOption(const std::string& key, const std::string& value) {
+    if (key != "machine" || value.empty()) {
+        return 1;
+    }
+    m_where = value;
+    return 0;
+}
+
+const char* TextFiles::getDescription() const {
+    return "Counters from the text files of the system (/proc, /sys)";
+}
+
+std::vector<std::string> TextFiles::getCollectorTypes() const {
+    return {COLLECTOR_TYPE};
+}
+
+int TextFiles::initialize() {
+    std::string reason;
+    m_machine = pwr::openMachine(m_where, reason);
+    if (!m_machine) {
+        pwr::logError("ERROR: %s\n", reason.c_str());
+        return 1;
+    }
+    // A system that keeps nothing in such files has other collectors; there is nothing to explain.
+    if (m_where == "/" && !m_machine->exists("/proc") && !m_machine->exists("/sys")) {
+        return 0;
+    }
+    for (const FeatureRow& feature : features()) {
+        probeFeature_i(feature);
+    }
+    return 0;
+}
+
+void TextFiles::probeFeature_i(const FeatureRow& feature) {
+    auto capability = std::make_unique<PluginCapability>(feature.name, feature.description);
+    std::string denied;
+    bool isAvailable = false;
+    for (const MessageRow& message : feature.messages) {
+        Declaration declaration;
+        appendDeclaration(feature, message, COLLECTOR_TYPE, 1, declaration);
+        const Expansion expansion = expandMessage(*m_machine, messageOf(declaration));
+        denied = denied.empty() ? expansion.denied : denied;
+        if (!expansion.places.empty() && !(message.isAlternative && isAvailable)) {
+            m_available.emplace(&feature, &message);
+            isAvailable = true;
+        }
+    }
+    if (!isAvailable && !denied.empty()) {
+        capability->setUnavailable(denied + " may not be read", DENIED_FIX);
+    } else if (!isAvailable) {
+        capability->setUnavailable(feature.reason, feature.fix);
+    }
+    if (addCapability(capability.get()) == 0) {
+        capability.release();
+    }
+}
+
+int TextFiles::declare(std::vector<std::unique_ptr<pwr::Metadata>>& declarations) {
+    unsigned number = 0;
+    for (const FeatureRow& feature : features()) {
+        for (const MessageRow& message : feature.messages) {
+            if (m_available.contains({&feature, &message})) {
+                appendDeclaration(feature, message, COLLECTOR_TYPE, ++number, declarations);
+            }
+        }
+    }
+    return 0;
+}
+
+int TextFiles::open(const MsgMetadata& message, MessageInstances& out) {
+    out = MessageInstances();
+    std::vector<Place> places;
+    if (expand_i(message, places, out) != 0 || makeInstances_i(places, out) != 0) {
+        out.instances.clear();
+        return 1;
+    }
+    m_plans[message.getMsgID()] = std::make_unique<ReadPlan>(*m_machine, places, m_handles);
+    return 0;
+}
+
+int TextFiles::expand_i(const MsgMetadata& message, std::vector<Place>& places, MessageInstances& out) {
+    if (!m_machine) {
+        out.reason = "the machine's files could not be opened";
+        return 1;
+    }
+    Expansion expansion = expandMessage(*m_machine, message);
+    places = std::move(expansion.places);
+    if (!expansion.error.empty()) {
+        out.reason = expansion.error;
+        return 1;
+    }
+    if (constantOf(message, "SKIP-KNOWN") == "YES") {
+        std::erase_if(places, [this](const Place& place) { return m_names.isNameTaken(place); });
+    }
+    leaveOutUnused_i(constantOf(message, "SKIP-UNUSED"), places);
+    if (places.empty() && !expansion.denied.empty()) {
+        out.reason = expansion.denied + " may not be read";
+        out.fix = DENIED_FIX;
+    } else if (places.empty()) {
+        out.reason = "message " + message.getMsgName() + ": nothing on this machine matches";
+    }
+    return places.empty() ? 1 : 0;
+}
+
+void TextFiles::leaveOutUnused_i(const std::string& patterns, std::vector<Place>& places) {
+    if (patterns.empty()) {
+        return;
+    }
+    std::size_t handles = std::numeric_limits<std::size_t>::max() / 2; // keeps no file open for one reading
+    ReadPlan plan(*m_machine, places, handles);
+    plan.read();
+    std::set<std::string> used;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        const RawValue& value = plan.values()[i];
+        if (value.kind == RawValue::Kind::TEXT || value.bits != 0) {
+            used.insert(places[i].entity);
+        }
+    }
+    std::erase_if(places, [&](const Place& place) { return isListed(place.entity, patterns) && !used.contains(place.entity); });
+}
+
+int TextFiles::makeInstances_i(std::vector<Place>& places, MessageInstances& out) {
+    if (g_pluginEnvironment->getTopologyManager() == nullptr) {
+        out.reason = "the processor topology is not known";
+        return 1;
+    }
+    std::set<std::pair<const pwr::EntityHandle*, std::string>> taken;
+    std::vector<Place> kept;
+    for (Place& place : places) {
+        const pwr::EntityHandle* entity = m_names.entityOf(place);
+        if (entity == nullptr) {
+            continue;
+        }
+        // Some drivers give two states or sensors of one processor the same name.
+        std::string name = place.descriptor;
+        for (unsigned number = 2; !taken.emplace(entity, name).second; ++number) {
+            name = place.descriptor + " #" + std::to_string(number);
+        }
+        out.instances.push_back({entity, EntityNames::descriptorOf(name)});
+        kept.push_back(std::move(place));
+    }
+    places = std::move(kept);
+    if (places.size() > CollectionData::MAX_VALUES) {
+        out.reason = std::to_string(places.size()) + " values are more than one reading holds";
+        return 1;
+    }
+    if (places.empty()) {
+        out.reason = "the topology knows none of the processors found";
+    }
+    return places.empty() ? 1 : 0;
+}
+
+int TextFiles::read(const MsgMetadata& message, CollectionData& out) {
+    const auto plan = m_plans.find(message.getMsgID());
+    if (plan == m_plans.end()) {
+        return 1;
+    }
+    const pw_u64_t begin = pwr::getTWATimestamp();
+    plan->second->read();
+    const pw_u64_t end = pwr::getTWATimestamp();
+    const pw_u64_t span = end > begin ? end - begin : 0;
+    // The middle of the reading is off by at most half of its span, whichever file a value came from.
+    out.header().timestamp = begin + span / 2;
+    out.header().read_span = static_cast<pw_u32_t>(std::min<pw_u64_t>(span, std::numeric_limits<pw_u32_t>::max()));
+    const bool hasText = std::any_of(plan->second->values().begin(), plan->second->values().end(),
+                                     [](const RawValue& value) { return value.kind == RawValue::Kind::TEXT; });
+    out.header().flags = hasText ? tw_driver_msg_flag::TEXT : 0;
+    return plan->second->store(out);
+}
+
+void TextFiles::close(const MsgMetadata& message) {
+    m_plans.erase(message.getMsgID());
+}
+
+} // namespace text_files
+
+KRCOMMON_PLUGIN("text_files", KR_PLUGIN_COLLECTOR, text_files::TextFiles);

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "common/machine_files.h"
+#include "common/plugin/collector_plugin.h"
+#include "plugins/collectors/declared_feature.h"
+#include "plugins/collectors/text_files/entity_names.h"
+#include "plugins/collectors/text_files/expansion.h"
+#include "plugins/collectors/text_files/read_plan.h"
+
+namespace text_files {
+
+/// Collects counters from the text files of a machine: of the running system, of a copied root folder or
+/// of a recorded bundle, and so on every system. What is read stands in data (operations of messages);
+/// the code knows no counter by name.
+/// Option: machine, the machine's place (openMachine), before initialize(); "/" without it.
+class TextFiles : public CollectorPlugin {
+public:
+    static constexpr const char* COLLECTOR_TYPE = "TEXT-FILE";
+
+    TextFiles();
+    ~TextFiles() override;
+
+    int initialize() override;
+    int setOption(const std::string& key, const std::string& value) override;
+    const char* getDescription() const override;
+    std::vector<std::string> getCollectorTypes() const override;
+    int declare(std::vector<std::unique_ptr<pwr::Metadata>>& declarations) override;
+    int open(const pwr::MsgMetadata& message, MessageInstances& out) override;
+    int read(const pwr::MsgMetadata& message, CollectionData& out) override;
+    void close(const pwr::MsgMetadata& message) override;
+
+private:
+    using Declaration = std::vector<std::unique_ptr<pwr::Metadata>>;
+
+    void probeFeature_i(const pwr::FeatureRow& feature);
+    int expand_i(const pwr::MsgMetadata& message, std::vector<Place>& places, MessageInstances& out);
+    void leaveOutUnused_i(const std::string& patterns, std::vector<Place>& places);
+    int makeInstances_i(std::vector<Place>& places, MessageInstances& out);
+
+    std::string m_where = "/";
+    std::unique_ptr<pwr::MachineFiles> m_machine;
+    std::set<std::pair<const pwr::FeatureRow*, const pwr::MessageRow*>> m_available;
+    EntityNames m_names;
+    std::size_t m_handles = 0;
+    std::map<unsigned, std::unique_ptr<ReadPlan>> m_plans; // by the message's number
+};
+
+} // namespace text_files
