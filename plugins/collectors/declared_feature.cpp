@@ -21,8 +21,8 @@ void addValue(OperationMetadata::ValueList& values, const char* key, std::string
 
 } // namespace
 
-void appendDeclaration(const FeatureRow& feature, const MessageRow& message, const char* collectorType, unsigned number,
-                       std::vector<std::unique_ptr<Metadata>>& declarations) {
+void appendDeclaration(const FeatureRow& feature, const MessageRow& message, const char* collectorType,
+                       unsigned number, std::vector<std::unique_ptr<Metadata>>& declarations) {
     MetricMetadata::ValueList constants;
     for (const ConstantRow& constant : message.constants) {
         addValue(constants, constant.key, constant.value);
@@ -34,8 +34,8 @@ void appendDeclaration(const FeatureRow& feature, const MessageRow& message, con
         addValue(values, "PATH", operation.path);
         addValue(values, "FIELD", operation.field);
         addValue(values, "DESCRIPTOR", operation.descriptor);
-        record->addMetaValue(
-            OperationMetadata(operation.name, collectorType, message.width / BITS_PER_BYTE, message.name, std::move(values)));
+        record->addMetaValue(OperationMetadata(operation.name, collectorType, message.width / BITS_PER_BYTE,
+                                               message.name, std::move(values)));
     }
     record->addMetaValue(std::make_unique<CONSTANTOperationMetadata>("metric", constants));
     for (const char* trigger : {"BEGIN", "POLL", "END"}) {

@@ -44,7 +44,7 @@ struct FeatureRow {
 
 /// Appends the records of one message: the message with its operations and constants, then its metric.
 /// The number identifies both until the host gives its own.
-void appendDeclaration(const FeatureRow& feature, const MessageRow& message, const char* collectorType, unsigned number,
-                       std::vector<std::unique_ptr<Metadata>>& declarations);
+void appendDeclaration(const FeatureRow& feature, const MessageRow& message, const char* collectorType,
+                       unsigned number, std::vector<std::unique_ptr<Metadata>>& declarations);
 
 } // namespace pwr

@@ -35,12 +35,14 @@ struct Candidate {
 
 const std::string& valueIn(const OperationMetadata::ValueList& values, std::string_view key) {
     static const std::string NONE;
-    const auto found = std::find_if(values.begin(), values.end(), [key](const auto& pair) { return pair.first == key; });
+    const auto found =
+        std::find_if(values.begin(), values.end(), [key](const auto& pair) { return pair.first == key; });
     return found == values.end() ? NONE : found->second;
 }
 
 /// Fills the variables of a path from the names in the machine's folders, one component after the other.
-int expandPath(const MachineFiles& machine, std::string_view path, std::vector<Candidate>& found, std::string& error) {
+int expandPath(const MachineFiles& machine, std::string_view path, std::vector<Candidate>& found,
+               std::string& error) {
     found.assign(1, Candidate());
     if (!path.starts_with('/')) {
         error = "it must start with \"/\"";
@@ -97,7 +99,8 @@ std::string textOfFile(const MachineFiles& machine, const Pattern& pattern, cons
 /// Expands one operation of a message.
 class OperationExpander {
 public:
-    OperationExpander(const MachineFiles& machine, const MsgMetadata& message, const OperationMetadata& operation, Expansion& out)
+    OperationExpander(const MachineFiles& machine, const MsgMetadata& message,
+                      const OperationMetadata& operation, Expansion& out)
         : m_machine(machine), m_message(message), m_operation(operation), m_out(out) {}
 
     int expand() {
@@ -118,7 +121,8 @@ public:
 
 private:
     int fail_i(const char* key, const std::string& value, const std::string& what) {
-        m_out.error = m_message.getMsgName() + ", operation " + m_operation.getName() + ": " + key + " \"" + value + "\": " + what;
+        m_out.error = m_message.getMsgName() + ", operation " + m_operation.getName() + ": " + key + " \"" +
+                      value + "\": " + what;
         return 1;
     }
 
@@ -135,7 +139,8 @@ private:
             return fail_i("FIELD", field, error);
         }
         if (parsePattern_i("ENTITY", m_entity) != 0 || parsePattern_i("ENTITY-FILE", m_entityFile) != 0 ||
-            parsePattern_i("DESCRIPTOR", m_descriptor) != 0 || parsePattern_i("DESCRIPTOR-FILE", m_descriptorFile) != 0) {
+            parsePattern_i("DESCRIPTOR", m_descriptor) != 0 ||
+            parsePattern_i("DESCRIPTOR-FILE", m_descriptorFile) != 0) {
             return 1;
         }
         const std::string& entity = keyOf(m_message, m_operation, "ENTITY");
@@ -150,7 +155,8 @@ private:
         if (word.empty() && constantOf(m_message, "SOURCE") == "LEVEL") {
             word = constantOf(m_message, "VALUE-TYPE");
         }
-        const auto row = std::find_if(TYPES.begin(), TYPES.end(), [&word](const TypeRow& r) { return r.word == word; });
+        const auto row =
+            std::find_if(TYPES.begin(), TYPES.end(), [&word](const TypeRow& r) { return r.word == word; });
         if (row == TYPES.end() && !word.empty()) {
             return fail_i("RAW-TYPE", word, "expected UINT, INT, REAL or STRING");
         }
@@ -231,7 +237,8 @@ const std::string& keyOf(const MsgMetadata& message, const OperationMetadata& op
 Expansion expandMessage(const MachineFiles& machine, const MsgMetadata& message) {
     Expansion expansion;
     for (const OperationMetadata* operation : message.getMetaValues()) {
-        if (!isConstant(*operation) && OperationExpander(machine, message, *operation, expansion).expand() != 0) {
+        if (!isConstant(*operation) &&
+            OperationExpander(machine, message, *operation, expansion).expand() != 0) {
             expansion.places.clear();
             break;
         }

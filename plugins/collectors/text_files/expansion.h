@@ -32,7 +32,8 @@ struct Expansion {
 };
 
 /// The value of a key: an operation's own, else the message's constant; "" when there is none.
-const std::string& keyOf(const pwr::MsgMetadata& message, const pwr::OperationMetadata& operation, const char* key);
+const std::string& keyOf(const pwr::MsgMetadata& message, const pwr::OperationMetadata& operation,
+                         const char* key);
 const std::string& constantOf(const pwr::MsgMetadata& message, const char* key);
 
 /// Finds everything that a message's patterns match now. Makes no handles, so that it can be asked what

@@ -14,8 +14,10 @@ using pwr::OperationRow;
 #define CPU_FOLDER "/sys/devices/system/cpu/cpu{cpu}"
 
 // A processor's states are known by number; their names are for the report.
-constexpr std::array IDLE_TIME_OPERATIONS{OperationRow{"time", CPU_FOLDER "/cpuidle/state{state}/time", "", ""}};
-constexpr std::array IDLE_ENTRY_OPERATIONS{OperationRow{"usage", CPU_FOLDER "/cpuidle/state{state}/usage", "", ""}};
+constexpr std::array IDLE_TIME_OPERATIONS{
+    OperationRow{"time", CPU_FOLDER "/cpuidle/state{state}/time", "", ""}};
+constexpr std::array IDLE_ENTRY_OPERATIONS{
+    OperationRow{"usage", CPU_FOLDER "/cpuidle/state{state}/usage", "", ""}};
 constexpr std::array IDLE_TIME_CONSTANTS{
     ConstantRow{"METRIC-NAME", "Idle states"},
     ConstantRow{"CONTAINER-TAG", "IDLE-STATES"},
@@ -66,7 +68,8 @@ constexpr std::array CPU_TIME_CONSTANTS{
     ConstantRow{"METRIC-TYPE", "SampledResidency"},
     ConstantRow{"QUANTITY", "time"},
     ConstantRow{"SOURCE", "COUNTER"},
-    ConstantRow{"SCALE", "10000"}, // the file counts hundredths of a second, whatever the kernel's own tick is
+    ConstantRow{"SCALE",
+                "10000"}, // the file counts hundredths of a second, whatever the kernel's own tick is
     ConstantRow{"ENTITY", "{cpu}"},
     ConstantRow{"ENTITY-TITLE", "Processor"},
     ConstantRow{"DESCRIPTOR-TITLE", "Mode"},
@@ -177,8 +180,10 @@ constexpr std::array INTERRUPT_MESSAGES{
     MessageRow{"CONTEXT-SWITCHES", 64, SWITCH_OPERATIONS, SWITCH_CONSTANTS, false},
 };
 
-constexpr std::array FREQUENCY_OPERATIONS{OperationRow{"frequency", CPU_FOLDER "/cpufreq/scaling_cur_freq", "", ""}};
-constexpr std::array REPORTED_OPERATIONS{OperationRow{"frequency", "/proc/cpuinfo", "[processor {cpu}] cpu MHz", ""}};
+constexpr std::array FREQUENCY_OPERATIONS{
+    OperationRow{"frequency", CPU_FOLDER "/cpufreq/scaling_cur_freq", "", ""}};
+constexpr std::array REPORTED_OPERATIONS{
+    OperationRow{"frequency", "/proc/cpuinfo", "[processor {cpu}] cpu MHz", ""}};
 constexpr std::array FREQUENCY_CONSTANTS{
     ConstantRow{"METRIC-NAME", "Processor frequency"},
     ConstantRow{"CONTAINER-TAG", "CPU-FREQUENCY"},
@@ -271,20 +276,25 @@ constexpr std::array MEMORY_MESSAGES{MessageRow{"MEMORY", 64, MEMORY_OPERATIONS,
 constexpr std::array FEATURES{
     FeatureRow{"idle", "time in idle states, per logical processor",
                "the kernel offers no idle states (/sys/devices/system/cpu/cpu*/cpuidle)",
-               "use a kernel with cpuidle; a virtual machine must be given idle states by its host", IDLE_MESSAGES},
-    FeatureRow{"cpu", "processor time by mode, per logical processor", "/proc/stat has no processor lines", "mount /proc",
-               CPU_MESSAGES},
-    FeatureRow{"network", "bytes and packets, per network interface", "/sys/class/net lists no interface with statistics",
-               "mount /sys", NET_MESSAGES},
-    FeatureRow{"disk", "bytes and operations, per block device", "/sys/block lists no device that was ever used", "mount /sys",
-               DISK_MESSAGES},
-    FeatureRow{"interrupts", "interrupts per logical processor, and context switches", "/proc/interrupts has no processor columns",
-               "mount /proc", INTERRUPT_MESSAGES},
-    FeatureRow{"frequency", "frequency, per logical processor",
-               "neither cpufreq files (/sys/devices/system/cpu/cpu*/cpufreq) nor a frequency in /proc/cpuinfo",
-               "load the driver for the processor's frequency control; virtual machines usually have none", FREQUENCY_MESSAGES},
-    FeatureRow{"temperature", "temperatures of sensors and thermal zones", "no sensors in /sys/class/hwmon or /sys/class/thermal",
-               "load the drivers of the machine's sensors; virtual machines usually have none", TEMPERATURE_MESSAGES},
+               "use a kernel with cpuidle; a virtual machine must be given idle states by its host",
+               IDLE_MESSAGES},
+    FeatureRow{"cpu", "processor time by mode, per logical processor", "/proc/stat has no processor lines",
+               "mount /proc", CPU_MESSAGES},
+    FeatureRow{"network", "bytes and packets, per network interface",
+               "/sys/class/net lists no interface with statistics", "mount /sys", NET_MESSAGES},
+    FeatureRow{"disk", "bytes and operations, per block device",
+               "/sys/block lists no device that was ever used", "mount /sys", DISK_MESSAGES},
+    FeatureRow{"interrupts", "interrupts per logical processor, and context switches",
+               "/proc/interrupts has no processor columns", "mount /proc", INTERRUPT_MESSAGES},
+    FeatureRow{
+        "frequency", "frequency, per logical processor",
+        "neither cpufreq files (/sys/devices/system/cpu/cpu*/cpufreq) nor a frequency in /proc/cpuinfo",
+        "load the driver for the processor's frequency control; virtual machines usually have none",
+        FREQUENCY_MESSAGES},
+    FeatureRow{"temperature", "temperatures of sensors and thermal zones",
+               "no sensors in /sys/class/hwmon or /sys/class/thermal",
+               "load the drivers of the machine's sensors; virtual machines usually have none",
+               TEMPERATURE_MESSAGES},
     FeatureRow{"memory", "system memory", "/proc/meminfo does not tell", "mount /proc", MEMORY_MESSAGES},
 };
 

@@ -12,14 +12,12 @@ namespace {
 
 constexpr std::string_view BLANKS = " \t\r\n";
 
-template <class Number>
-bool parseNumber(std::string_view word, Number& number) {
+template <class Number> bool parseNumber(std::string_view word, Number& number) {
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
     return error == std::errc() && end == word.data() + word.size() && !word.empty();
 }
 
-template <class Number>
-void parseBits(std::string_view word, RawValue& value) {
+template <class Number> void parseBits(std::string_view word, RawValue& value) {
     Number number{};
     if (parseNumber(word, number)) {
         value.kind = RawValue::Kind::BITS;

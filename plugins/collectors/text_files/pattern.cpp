@@ -13,13 +13,14 @@ struct VariableRow {
 };
 
 constexpr std::array VARIABLES{
-    VariableRow{"cpu", true},    VariableRow{"core", true},    VariableRow{"package", true},
-    VariableRow{"state", true},  VariableRow{"sensor", true},  VariableRow{"channel", true},
-    VariableRow{"zone", true},   VariableRow{"net", false},    VariableRow{"block", false},
+    VariableRow{"cpu", true},   VariableRow{"core", true},   VariableRow{"package", true},
+    VariableRow{"state", true}, VariableRow{"sensor", true}, VariableRow{"channel", true},
+    VariableRow{"zone", true},  VariableRow{"net", false},   VariableRow{"block", false},
 };
 
 const VariableRow* findVariable(std::string_view name) {
-    const auto row = std::find_if(VARIABLES.begin(), VARIABLES.end(), [name](const VariableRow& r) { return r.name == name; });
+    const auto row = std::find_if(VARIABLES.begin(), VARIABLES.end(),
+                                  [name](const VariableRow& r) { return r.name == name; });
     return row == VARIABLES.end() ? nullptr : &*row;
 }
 
@@ -72,7 +73,8 @@ int Pattern::parse(std::string_view text, std::string& error) {
     return 0;
 }
 
-bool Pattern::takeValue_i(const Part& part, std::string_view stop, std::string_view& rest, std::string_view& value) {
+bool Pattern::takeValue_i(const Part& part, std::string_view stop, std::string_view& rest,
+                          std::string_view& value) {
     std::size_t end = part.isNumber ? rest.find_first_not_of("0123456789") : std::string_view::npos;
     if (!part.isNumber && !stop.empty()) {
         end = rest.find(stop, 1);
@@ -94,7 +96,8 @@ bool Pattern::match(std::string_view text, Binding& binding) const {
             text.remove_prefix(part.text.size());
             continue;
         }
-        const std::string_view stop = i + 1 < m_parts.size() ? std::string_view(m_parts[i + 1].text) : std::string_view();
+        const std::string_view stop =
+            i + 1 < m_parts.size() ? std::string_view(m_parts[i + 1].text) : std::string_view();
         std::string_view value;
         if (!takeValue_i(part, stop, text, value)) {
             return false;
@@ -130,7 +133,8 @@ bool Pattern::hasVariables() const {
 }
 
 bool Pattern::hasVariable(std::string_view variable) const {
-    return std::any_of(m_parts.begin(), m_parts.end(), [variable](const Part& part) { return part.isVariable && part.text == variable; });
+    return std::any_of(m_parts.begin(), m_parts.end(),
+                       [variable](const Part& part) { return part.isVariable && part.text == variable; });
 }
 
 } // namespace text_files

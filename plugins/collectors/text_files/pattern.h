@@ -43,7 +43,8 @@ private:
         bool isNumber;
     };
 
-    static bool takeValue_i(const Part& part, std::string_view stop, std::string_view& rest, std::string_view& value);
+    static bool takeValue_i(const Part& part, std::string_view stop, std::string_view& rest,
+                            std::string_view& value);
 
     std::vector<Part> m_parts;
 };

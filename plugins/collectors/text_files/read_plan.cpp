@@ -76,8 +76,8 @@ ReadPlan::ReadPlan(const MachineFiles& machine, const std::vector<Place>& places
 }
 
 ReadPlan::~ReadPlan() {
-    m_handles -= static_cast<std::size_t>(
-        std::count_if(m_files.begin(), m_files.end(), [](const File& file) { return file.handle != nullptr; }));
+    m_handles -= static_cast<std::size_t>(std::count_if(
+        m_files.begin(), m_files.end(), [](const File& file) { return file.handle != nullptr; }));
 }
 
 void ReadPlan::read() {
@@ -90,7 +90,8 @@ void ReadPlan::read() {
         if (!isOnline_i(file.processor)) {
             continue;
         }
-        const MachineStatus status = file.handle ? file.handle->read(m_text) : m_machine.read(file.path, m_text);
+        const MachineStatus status =
+            file.handle ? file.handle->read(m_text) : m_machine.read(file.path, m_text);
         if (status != MachineStatus::OK) {
             continue;
         }
@@ -116,7 +117,8 @@ int ReadPlan::store(CollectionData& out) const {
 }
 
 void ReadPlan::readOnlineProcessors_i() {
-    if (m_onlineFile && (m_onlineFile->read(m_onlineText) != MachineStatus::OK || !parseProcessors(m_onlineText, m_online))) {
+    if (m_onlineFile &&
+        (m_onlineFile->read(m_onlineText) != MachineStatus::OK || !parseProcessors(m_onlineText, m_online))) {
         m_online.clear();
     }
 }

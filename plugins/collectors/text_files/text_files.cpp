@@ -86,7 +86,8 @@ void TextFiles::probeFeature_i(const FeatureRow& feature) {
     for (const MessageRow& message : feature.messages) {
         Declaration declaration;
         appendDeclaration(feature, message, COLLECTOR_TYPE, 1, declaration);
-        const Expansion expansion = expandMessage(*m_machine, messageOf(declaration));
+        Expansion expansion = expandMessage(*m_machine, messageOf(declaration));
+        leaveOutUnused_i(constantOf(messageOf(declaration), "SKIP-UNUSED"), expansion.places);
         denied = denied.empty() ? expansion.denied : denied;
         if (!expansion.places.empty() && !(message.isAlternative && isAvailable)) {
             m_available.emplace(&feature, &message);
@@ -137,9 +138,6 @@ int TextFiles::expand_i(const MsgMetadata& message, std::vector<Place>& places, 
         out.reason = expansion.error;
         return 1;
     }
-    if (constantOf(message, "SKIP-KNOWN") == "YES") {
-        std::erase_if(places, [this](const Place& place) { return m_names.isNameTaken(place); });
-    }
     leaveOutUnused_i(constantOf(message, "SKIP-UNUSED"), places);
     if (places.empty() && !expansion.denied.empty()) {
         out.reason = expansion.denied + " may not be read";
@@ -147,10 +145,15 @@ int TextFiles::expand_i(const MsgMetadata& message, std::vector<Place>& places, 
     } else if (places.empty()) {
         out.reason = "message " + message.getMsgName() + ": nothing on this machine matches";
     }
-    return places.empty() ? 1 : 0;
+    const int result = places.empty() ? 1 : 0;
+    // What is known under another message's name is no loss, even when that is everything.
+    if (constantOf(message, "SKIP-KNOWN") == "YES") {
+        std::erase_if(places, [this](const Place& place) { return m_names.isNameTaken(place); });
+    }
+    return result;
 }
 
-void TextFiles::leaveOutUnused_i(const std::string& patterns, std::vector<Place>& places) {
+void TextFiles::leaveOutUnused_i(const std::string& patterns, std::vector<Place>& places) const {
     if (patterns.empty()) {
         return;
     }
@@ -164,7 +167,9 @@ void TextFiles::leaveOutUnused_i(const std::string& patterns, std::vector<Place>
             used.insert(places[i].entity);
         }
     }
-    std::erase_if(places, [&](const Place& place) { return isListed(place.entity, patterns) && !used.contains(place.entity); });
+    std::erase_if(places, [&](const Place& place) {
+        return isListed(place.entity, patterns) && !used.contains(place.entity);
+    });
 }
 
 int TextFiles::makeInstances_i(std::vector<Place>& places, MessageInstances& out) {
@@ -187,15 +192,16 @@ int TextFiles::makeInstances_i(std::vector<Place>& places, MessageInstances& out
         out.instances.push_back({entity, EntityNames::descriptorOf(name)});
         kept.push_back(std::move(place));
     }
+    if (kept.empty() && !places.empty()) {
+        out.reason = "the topology knows none of the processors found";
+        return 1;
+    }
     places = std::move(kept);
     if (places.size() > CollectionData::MAX_VALUES) {
         out.reason = std::to_string(places.size()) + " values are more than one reading holds";
         return 1;
     }
-    if (places.empty()) {
-        out.reason = "the topology knows none of the processors found";
-    }
-    return places.empty() ? 1 : 0;
+    return 0;
 }
 
 int TextFiles::read(const MsgMetadata& message, CollectionData& out) {
@@ -209,9 +215,11 @@ int TextFiles::read(const MsgMetadata& message, CollectionData& out) {
     const pw_u64_t span = end > begin ? end - begin : 0;
     // The middle of the reading is off by at most half of its span, whichever file a value came from.
     out.header().timestamp = begin + span / 2;
-    out.header().read_span = static_cast<pw_u32_t>(std::min<pw_u64_t>(span, std::numeric_limits<pw_u32_t>::max()));
-    const bool hasText = std::any_of(plan->second->values().begin(), plan->second->values().end(),
-                                     [](const RawValue& value) { return value.kind == RawValue::Kind::TEXT; });
+    out.header().read_span =
+        static_cast<pw_u32_t>(std::min<pw_u64_t>(span, std::numeric_limits<pw_u32_t>::max()));
+    const bool hasText =
+        std::any_of(plan->second->values().begin(), plan->second->values().end(),
+                    [](const RawValue& value) { return value.kind == RawValue::Kind::TEXT; });
     out.header().flags = hasText ? tw_driver_msg_flag::TEXT : 0;
     return plan->second->store(out);
 }

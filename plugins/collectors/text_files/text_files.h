@@ -42,7 +42,7 @@ private:
 
     void probeFeature_i(const pwr::FeatureRow& feature);
     int expand_i(const pwr::MsgMetadata& message, std::vector<Place>& places, MessageInstances& out);
-    void leaveOutUnused_i(const std::string& patterns, std::vector<Place>& places);
+    void leaveOutUnused_i(const std::string& patterns, std::vector<Place>& places) const;
     int makeInstances_i(std::vector<Place>& places, MessageInstances& out);
 
     std::string m_where = "/";

@@ -25,8 +25,9 @@ struct Target {
 };
 
 void addSorted(std::vector<Target>& targets, Target target) {
-    const auto place = std::upper_bound(targets.begin(), targets.end(), target,
-                                        [](const Target& left, const Target& right) { return left.number < right.number; });
+    const auto place =
+        std::upper_bound(targets.begin(), targets.end(), target,
+                         [](const Target& left, const Target& right) { return left.number < right.number; });
     targets.insert(place, target);
 }
 
@@ -89,7 +90,8 @@ public:
 
     void read(std::string_view text, std::span<RawValue> values) override {
         // A text is the whole line, which may hold blanks.
-        if (m_targets.size() == 1 && m_targets.front().type == RawType::STRING && m_targets.front().number == 1) {
+        if (m_targets.size() == 1 && m_targets.front().type == RawType::STRING &&
+            m_targets.front().number == 1) {
             parseValue(trim(takeLine(text)), RawType::STRING, values[m_targets.front().slot]);
         } else {
             readWords(text, m_targets, values);
@@ -235,8 +237,7 @@ private:
     std::vector<std::vector<BlockTarget>> m_blocks;
 };
 
-template <class Reader>
-std::unique_ptr<TextReader> make() {
+template <class Reader> std::unique_ptr<TextReader> make() {
     return std::make_unique<Reader>();
 }
 

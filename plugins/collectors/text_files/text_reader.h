@@ -24,7 +24,8 @@ public:
 
     /// Also reads this field, whose variables are bound, into values[slot]. The width in bits is that of
     /// the counters that a sum adds up: they wrap one by one, and so must their sum.
-    virtual void add(const Field& field, const Binding& binding, std::size_t slot, RawType type, unsigned width) = 0;
+    virtual void add(const Field& field, const Binding& binding, std::size_t slot, RawType type,
+                     unsigned width) = 0;
 
     /// Fills the slots whose fields the text has; all slots come as missing.
     virtual void read(std::string_view text, std::span<RawValue> values) = 0;
