@@ -78,7 +78,8 @@ using Parser = WriterInterfaceConfigFileParser;
 
 TEST_F(OutputConfigTest, isOnlyMadeOnRequest) {
     EXPECT_EQ(nullptr, Parser::current());
-    EXPECT_EQ(Parser::instance(), Parser::current());
+    const Parser* const made = Parser::instance();
+    EXPECT_EQ(made, Parser::current());
     good("f_c_t_TITLE_VALUE=a");
     Parser::destroy();
     EXPECT_EQ(nullptr, Parser::current());

@@ -36,7 +36,7 @@ protected:
 
     // A tree of any shape, as damaged bytes could hold it: (id, type) opens a node, -1 ends its children.
     void readTree(const std::vector<std::int32_t>& items) {
-        Serializer bytes;
+        Serializer bytes(64);
         bytes.write(std::uint16_t{1});
         for (const std::int32_t item : items) {
             bytes.write(item);
