@@ -11,7 +11,7 @@ namespace pwr {
 ResultFile::ResultFile(const std::string& path) : m_path(path), m_partPath(path + ".part") {
     errno = 0;
     m_file.open(std::filesystem::path(m_partPath), std::ios::binary | std::ios::trunc);
-    fail_i();
+    noteFailure_i();
     if (!m_file.is_open()) {
         m_partPath.clear(); // what stands there is not ours to remove
     }
@@ -24,14 +24,14 @@ ResultFile::~ResultFile() {
 void ResultFile::write(std::string_view text) {
     errno = 0;
     m_file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    fail_i();
+    noteFailure_i();
 }
 
 int ResultFile::commit(std::string& error) {
     if (m_error.empty()) {
         errno = 0;
         m_file.close(); // what is still buffered is written here, so a full disk may only show now
-        fail_i();
+        noteFailure_i();
     }
     if (m_error.empty()) {
         std::error_code failure;
@@ -49,8 +49,14 @@ int ResultFile::commit(std::string& error) {
     return 0;
 }
 
+int ResultFile::writeWhole(const std::string& path, std::string_view text, std::string& error) {
+    ResultFile file(path);
+    file.write(text);
+    return file.commit(error);
+}
+
 /// Keeps the reason of the first failure; errno is that of the stream's last system call.
-void ResultFile::fail_i() {
+void ResultFile::noteFailure_i() {
     if (m_file.fail() && m_error.empty()) {
         m_error = errno != 0 ? pw_strerror(errno) : "cannot be written";
     }

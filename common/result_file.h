@@ -27,8 +27,11 @@ public:
     /// Gives the file its final name. 0; or 1, and the reason with the path ("report.txt: No space left on device").
     int commit(std::string& error);
 
+    /// All of the above for a text that is ready.
+    static int writeWhole(const std::string& path, std::string_view text, std::string& error);
+
 private:
-    void fail_i();
+    void noteFailure_i();
     void discard_i();
 
     std::string m_path;

@@ -37,10 +37,8 @@ public:
         const std::string prefix = g_pluginEnvironment->getResultFilePrefix();
         int result = 0;
         for (const auto& [name, text] : m_files) {
-            pwr::ResultFile file(prefix + name);
-            file.write(text);
             std::string error;
-            if (file.commit(error) != 0) {
+            if (pwr::ResultFile::writeWhole(prefix + name, text, error) != 0) {
                 pwr::logError("ERROR: Cannot write the table %s\n", error.c_str());
                 result = 1;
             }

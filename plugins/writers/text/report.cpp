@@ -93,6 +93,15 @@ public:
         block(layOutColumns(table, m_lineWidth));
         paragraphs(table.postNotes);
     }
+    /// Short texts of the host, one below the other.
+    void texts(const std::vector<std::string>& texts) {
+        if (!texts.empty()) {
+            space();
+        }
+        for (const std::string& text : texts) {
+            paragraph(text);
+        }
+    }
     const std::string& text() const { return m_text; }
 
 private:
@@ -116,7 +125,7 @@ void Report::addText(const pwr::TextMessage& message) {
         text.pop_back();
     }
     if (message.getMessageType() == pwr::MessageType::HEADER_TEXT) {
-        text += "\n" + std::string(widestLine_i(text), '-');
+        text = "\n" + text + "\n" + std::string(widestLine_i(text), '-');
     }
     (m_tables.empty() ? m_openingTexts : m_closingTexts).push_back(text);
 }
@@ -197,7 +206,7 @@ std::string Report::compose(std::size_t lineWidth, bool color) const {
     if (m_system != nullptr) {
         writeFacts(page, *m_system);
     }
-    page.paragraphs(m_openingTexts);
+    page.texts(m_openingTexts);
     const Entry* previous = nullptr;
     const std::vector<const Entry*> tables = orderedTables_i();
     for (std::size_t i = 0; i < tables.size(); ++i) {
@@ -221,7 +230,7 @@ std::string Report::compose(std::size_t lineWidth, bool color) const {
         }
         previous = &entry;
     }
-    page.paragraphs(m_closingTexts);
+    page.texts(m_closingTexts);
     return page.text();
 }
 

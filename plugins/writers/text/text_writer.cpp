@@ -98,10 +98,8 @@ private:
         if (prefix.empty()) {
             return 0;
         }
-        pwr::ResultFile file(prefix + ".txt");
-        file.write(m_report.compose(m_width, false));
         std::string error;
-        if (file.commit(error) != 0) {
+        if (pwr::ResultFile::writeWhole(prefix + ".txt", m_report.compose(m_width, false), error) != 0) {
             pwr::logError("ERROR: Cannot write the report %s\n", error.c_str());
             return 1;
         }
