@@ -4,7 +4,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "common/model/data_handle_provider.h"
@@ -83,6 +86,14 @@ std::string textOf(const Data& data) {
     return data.toFormattedString(text) == 0 ? text : "failed: " + text;
 }
 
+std::string sum(Data target, const Data& input) {
+    return target.addValue(input) == 0 ? textOf(target) : "refused";
+}
+
+std::string product(Data target, double factor) {
+    return target.multiplyValue(factor) == 0 ? textOf(target) : "refused";
+}
+
 } // namespace
 
 TEST(Data, everySetterOnEveryType) {
@@ -145,28 +156,21 @@ TEST(Data, failedSetterSpoilsTheOldValueUntilTheNextGoodOne) {
 }
 
 TEST(Data, constructorsChooseTheType) {
-    struct Case {
-        Data data;
-        DataType type;
-        const char* text;
-    };
-    for (const Case& c :
-         std::vector<Case>{{Data(std::int64_t{-3}), DataType::INT, "-3"},
-                           {Data(-3), DataType::INT, "-3"},
-                           {Data(std::uint16_t{3}), DataType::UINT, "3"},
-                           {Data(~std::uint64_t{0}), DataType::UINT, "18446744073709551615"},
-                           {Data(3LL), DataType::INT, "3"},
-                           {Data(3ULL), DataType::UINT, "3"},
-                           {Data(0.5), DataType::REAL, "0.50"},
-                           {Data("text"), DataType::STRING, "text"},
-                           {Data(std::string()), DataType::STRING, ""},
-                           {Data(handle(1)), DataType::HANDLE, "C6"},
-                           {Data(std::int64_t{-1}, std::int64_t{2}), DataType::INT_RANGE, "-1 -- 2"},
-                           {Data(Data::UIntRange(1, 2)), DataType::UINT_RANGE, "1 -- 2"},
-                           {Data(0.5, 1.5), DataType::REAL_RANGE, "0.50 -- 1.50"}}) {
-        EXPECT_EQ(c.type, c.data.getType());
-        EXPECT_TRUE(c.data.isSet() && c.data.isValid());
-        EXPECT_EQ(c.text, textOf(c.data));
+    const std::pair<Data, DataType> cases[] = {{Data(-3), DataType::INT},
+                                               {Data(std::uint16_t{3}), DataType::UINT},
+                                               {Data(3LL), DataType::INT},
+                                               {Data(3ULL), DataType::UINT},
+                                               {Data(0.5), DataType::REAL},
+                                               {Data(std::string()), DataType::STRING},
+                                               {Data("text"), DataType::STRING},
+                                               {Data(handle(1)), DataType::HANDLE},
+                                               {Data(-1, 2), DataType::INT_RANGE},
+                                               {Data(Data::UIntRange(1, 2)), DataType::UINT_RANGE},
+                                               {Data(1U, 2U), DataType::UINT_RANGE},
+                                               {Data(0.5, 1.5), DataType::REAL_RANGE}};
+    for (const auto& [data, type] : cases) {
+        EXPECT_EQ(type, data.getType());
+        EXPECT_TRUE(data.isSet() && data.isValid());
     }
 }
 
@@ -225,28 +229,25 @@ TEST(Data, copiesOwnTheirFormatterAndText) {
 }
 
 TEST(Data, seedsOfRunningValues) {
-    struct Case {
-        DataType type;
-        Data zero, minimum, maximum;
-    };
-    constexpr std::int64_t most = INT64_MAX;
-    constexpr std::int64_t least = INT64_MIN;
     constexpr double largest = 1.7976931348623157e308;
     constexpr double tiny = 2.2250738585072014e-308;
-    for (const Case& c : std::vector<Case>{
-             {DataType::INT, Data(0), Data(most), Data(least)},
-             {DataType::UINT, Data(0U), Data(UINT64_MAX), Data(0U)},
-             {DataType::REAL, Data(0.0), Data(largest), Data(tiny)},
-             {DataType::INT_RANGE, Data(0LL, 0LL), Data(most, most), Data(least, least)},
-             {DataType::UINT_RANGE, Data(0ULL, 0ULL), Data(Data::UIntRange(UINT64_MAX, UINT64_MAX)),
-              Data(0ULL, 0ULL)},
-             {DataType::REAL_RANGE, Data(0.0, 0.0), Data(largest, largest), Data(tiny, tiny)}}) {
-        Data zero(c.type), minimum(c.type), maximum(c.type);
-        EXPECT_EQ(0, zero.initZero() + minimum.initMin() + maximum.initMax());
-        EXPECT_EQ(textOf(c.zero), textOf(zero));
-        EXPECT_EQ(textOf(c.minimum), textOf(minimum));
-        EXPECT_EQ(textOf(c.maximum), textOf(maximum));
-        EXPECT_EQ(c.maximum, maximum); // the text of the tiny seed is 0.00
+    const std::tuple<Data, Data, Data> cases[] = {
+        {Data(0), Data(INT64_MAX), Data(INT64_MIN)},
+        {Data(0U), Data(UINT64_MAX), Data(0U)},
+        {Data(0.0), Data(largest), Data(tiny)},
+        {Data(0, 0), Data(INT64_MAX, INT64_MAX), Data(INT64_MIN, INT64_MIN)},
+        {Data(0U, 0U), Data(UINT64_MAX, UINT64_MAX), Data(0U, 0U)},
+        {Data(0.0, 0.0), Data(largest, largest), Data(tiny, tiny)}};
+    for (const auto& [zero, minimum, maximum] : cases) {
+        const DataType type = zero.getType();
+        Data started(type);
+        EXPECT_EQ(0, started.initZero());
+        EXPECT_EQ(textOf(zero), textOf(started));
+        EXPECT_EQ(0, started.initMin());
+        EXPECT_EQ(textOf(minimum), textOf(started));
+        EXPECT_EQ(0, started.initMax());
+        EXPECT_EQ(textOf(maximum), textOf(started));
+        EXPECT_EQ(maximum, started); // as a text the tiny seed is 0.00
     }
     LogCapture log;
     for (Data data : {Data(), Data("kept"), Data(handle(0))}) {
@@ -264,98 +265,72 @@ TEST(Data, seedsOfRunningValues) {
 }
 
 TEST(Data, addsWhatMixes) {
-    struct Case {
-        Data target, input;
-        const char* sum;
-    };
-    Data unsetRange(DataType::INT_RANGE);
-    Data invalidInput(3);
-    invalidInput.invalidate();
-    for (const Case& c :
-         std::vector<Case>{{Data(INT64_MAX), Data(1), "-9223372036854775808"},
-                           {Data(UINT64_MAX), Data(2U), "1"},
-                           {Data(0.0), Data(1.5, 2.5), "4.00"},
-                           {Data(0.5), Data(-1), "-0.50"},
-                           {Data(0.0), Data(UINT64_MAX), "18446744073709551616.00"},
-                           {Data(Data::IntRange(1, INT64_MAX)), Data(1), "2 -- -9223372036854775808"},
-                           {Data(1LL, 2LL), Data(10LL, 20LL), "11 -- 22"},
-                           {Data(1ULL, 2ULL), Data(3U), "4 -- 5"},
-                           {Data(1ULL, 2ULL), Data(3ULL, 4ULL), "4 -- 6"},
-                           {Data(1.0, 2.0), Data(0.5), "1.50 -- 2.50"},
-                           {Data(1.0, 2.0), Data(-1), "0.00 -- 1.00"},
-                           {Data(1.0, 2.0), Data(1U), "2.00 -- 3.00"},
-                           {Data(1.0, 2.0), Data(-1LL, 1LL), "0.00 -- 3.00"},
-                           {Data(1.0, 2.0), Data(1ULL, 2ULL), "2.00 -- 4.00"},
-                           {Data(1.0, 2.0), Data(1.0, 0.5), "2.00 -- 2.50"},
-                           {unsetRange, Data(4), "4 -- 4"},
-                           {Data(1LL, 2LL), unsetRange, "1 -- 2"},
-                           {Data(1LL, 2LL), invalidInput, "1 -- 2"}}) {
-        Data target(c.target);
-        EXPECT_EQ(0, target.addValue(c.input)) << c.sum;
-        EXPECT_EQ(c.sum, textOf(target));
-    }
-    Data twice(1LL, 2LL);
+    const Data reals(1.0, 2.0), unsetRange(DataType::INT_RANGE);
+    Data invalid(3);
+    invalid.invalidate();
+    EXPECT_EQ("-9223372036854775808", sum(Data(INT64_MAX), Data(1)));
+    EXPECT_EQ("1", sum(Data(UINT64_MAX), Data(2U)));
+    EXPECT_EQ("4.00", sum(Data(0.0), Data(1.5, 2.5)));
+    EXPECT_EQ("-0.50", sum(Data(0.5), Data(-1)));
+    EXPECT_EQ("18446744073709551616.00", sum(Data(0.0), Data(UINT64_MAX)));
+    EXPECT_EQ("2 -- -9223372036854775808", sum(Data(Data::IntRange(1, INT64_MAX)), Data(1)));
+    EXPECT_EQ("11 -- 22", sum(Data(1, 2), Data(10, 20)));
+    EXPECT_EQ("4 -- 5", sum(Data(1U, 2U), Data(3U)));
+    EXPECT_EQ("4 -- 6", sum(Data(1U, 2U), Data(3U, 4U)));
+    EXPECT_EQ("1.50 -- 2.50", sum(reals, Data(0.5)));
+    EXPECT_EQ("0.00 -- 1.00", sum(reals, Data(-1)));
+    EXPECT_EQ("2.00 -- 3.00", sum(reals, Data(1U)));
+    EXPECT_EQ("0.00 -- 3.00", sum(reals, Data(-1, 1)));
+    EXPECT_EQ("2.00 -- 4.00", sum(reals, Data(1U, 2U)));
+    EXPECT_EQ("2.00 -- 2.50", sum(reals, Data(1.0, 0.5)));
+    EXPECT_EQ("4 -- 4", sum(unsetRange, Data(4)));
+    EXPECT_EQ("1 -- 2", sum(Data(1, 2), unsetRange));
+    EXPECT_EQ("1 -- 2", sum(Data(1, 2), invalid));
+    Data twice(1, 2);
     EXPECT_EQ(0, twice.addValue(twice));
     EXPECT_EQ("2 -- 4", textOf(twice));
 }
 
 TEST(Data, refusesToAddWhatDoesNotMix) {
-    const std::string integer = "WARNING: Accumulator must have INT type as input\n";
-    const std::string unsignedInteger = "WARNING: Accumulator must have UINT type as input\n";
-    const std::string real = "WARNING: Accumulator must have REAL, INT, UINT or REAL_RANGE type as input\n";
-    const std::string realRange = "WARNING: Accumulator must have REAL, INT, or UINT type as input\n";
-    const std::string unsupported = "WARNING: Attempt to accumulate on unsupported type\n";
-    struct Case {
-        Data target, input;
-        std::string message;
-    };
+    const char real[] = "WARNING: Accumulator must have REAL, INT, UINT or REAL_RANGE type as input\n";
+    const char unsupported[] = "WARNING: Attempt to accumulate on unsupported type\n";
+    const std::tuple<Data, Data, const char*> cases[] = {
+        {Data(1), Data(1U), "WARNING: Accumulator must have INT type as input\n"},
+        {Data(1U), Data(1), "WARNING: Accumulator must have UINT type as input\n"},
+        {Data(1.0), Data(1, 2), real},
+        {Data(1.0), Data(), real},
+        {Data(1, 2), Data(1.0), "WARNING: IntRange accumulate expects INT type\n"},
+        {Data(1U, 2U), Data(1), "WARNING: UIntRange accumulate expects UINT type\n"},
+        {Data(1.0, 2.0), Data("1"), "WARNING: Accumulator must have REAL, INT, or UINT type as input\n"},
+        {Data("1"), Data("1"), unsupported},
+        {Data(handle(0)), Data(1), unsupported},
+        {Data(), Data(1), unsupported}};
     LogCapture log;
-    for (const Case& c :
-         std::vector<Case>{{Data(1), Data(1U), integer},
-                           {Data(1U), Data(1), unsignedInteger},
-                           {Data(1.0), Data(1LL, 2LL), real},
-                           {Data(1.0), Data(), real},
-                           {Data(1LL, 2LL), Data(1.0), "WARNING: IntRange accumulate expects INT type\n"},
-                           {Data(1ULL, 2ULL), Data(1), "WARNING: UIntRange accumulate expects UINT type\n"},
-                           {Data(1.0, 2.0), Data("1"), realRange},
-                           {Data("1"), Data("1"), unsupported},
-                           {Data(handle(0)), Data(1), unsupported},
-                           {Data(), Data(1), unsupported}}) {
-        Data target(c.target);
-        EXPECT_EQ(1, target.addValue(c.input));
-        EXPECT_EQ(c.message, log.take());
-        EXPECT_TRUE(target == c.target);
+    for (const auto& [before, input, message] : cases) {
+        Data target(before);
+        EXPECT_EQ(1, target.addValue(input));
+        EXPECT_EQ(message, log.take());
+        EXPECT_TRUE(target == before);
     }
 }
 
 TEST(Data, scalesAndRounds) {
-    const double huge = 1e300;
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    struct Case {
-        Data target;
-        double factor;
-        const char* product;
-    };
-    for (const Case& c : std::vector<Case>{{Data(3), 0.5, "2"},
-                                           {Data(5), 0.5, "3"},
-                                           {Data(-5), 0.5, "-3"},
-                                           {Data(INT64_MAX), 1.0, "9223372036854775807"},
-                                           {Data(INT64_MIN), 1.0, "-9223372036854775808"},
-                                           {Data(-1), huge, "-9223372036854775808"},
-                                           {Data(1), nan, "0"},
-                                           {Data(UINT64_MAX), 1.0, "18446744073709551615"},
-                                           {Data(std::uint64_t{1} << 63), 1.0, "9223372036854775808"},
-                                           {Data(std::uint64_t{1} << 62), 3.0, "13835058055282163712"},
-                                           {Data(5U), -1.0, "0"},
-                                           {Data(5U), nan, "0"},
-                                           {Data(1.5), -2.0, "-3.00"},
-                                           {Data(3LL, 5LL), 0.5, "2 -- 3"},
-                                           {Data(3ULL, 5ULL), 0.5, "2 -- 3"},
-                                           {Data(1.0, 2.0), 0.5, "0.50 -- 1.00"}}) {
-        Data target(c.target);
-        EXPECT_EQ(0, target.multiplyValue(c.factor)) << c.product;
-        EXPECT_EQ(c.product, textOf(target));
-    }
+    EXPECT_EQ("2", product(Data(3), 0.5));
+    EXPECT_EQ("3", product(Data(5), 0.5));
+    EXPECT_EQ("-3", product(Data(-5), 0.5));
+    EXPECT_EQ("9223372036854775807", product(Data(INT64_MAX), 1));
+    EXPECT_EQ("-9223372036854775808", product(Data(INT64_MIN), 1));
+    EXPECT_EQ("-9223372036854775808", product(Data(-1), 1e300));
+    EXPECT_EQ("0", product(Data(1), nan));
+    EXPECT_EQ("18446744073709551615", product(Data(UINT64_MAX), 1));
+    EXPECT_EQ("13835058055282163712", product(Data(std::uint64_t{1} << 62), 3));
+    EXPECT_EQ("0", product(Data(5U), -1));
+    EXPECT_EQ("0", product(Data(5U), nan));
+    EXPECT_EQ("-3.00", product(Data(1.5), -2));
+    EXPECT_EQ("2 -- 3", product(Data(3, 5), 0.5));
+    EXPECT_EQ("2 -- 3", product(Data(3U, 5U), 0.5));
+    EXPECT_EQ("0.50 -- 1.00", product(Data(1.0, 2.0), 0.5));
     LogCapture log;
     for (Data data : {Data(), Data("2"), Data(handle(0))}) {
         EXPECT_EQ(1, data.multiplyValue(2));
@@ -371,10 +346,9 @@ TEST(Data, scalesAndRounds) {
 TEST(Data, order) {
     // Each is less than all that follow.
     const std::vector<Data> ascending = {
-        Data(),           Data(DataType::INT), Data(INT64_MIN), Data(3),        Data(0U),
-        Data(UINT64_MAX), Data(-1e300),        Data(2.0),       Data(1LL, 9LL), Data(2LL, 0LL),
-        Data(1ULL, 9ULL), Data(2ULL, 0ULL),    Data(1.0, 9.0),  Data(1.5, 0.0), Data(handle(0)),
-        Data(handle(1)),  Data("10"),          Data("9")};
+        Data(),         Data(DataType::INT), Data(INT64_MIN), Data(3),         Data(0U),     Data(UINT64_MAX),
+        Data(-1e300),   Data(2.0),           Data(1, 9),      Data(2, 0),      Data(1U, 9U), Data(2U, 0U),
+        Data(1.0, 9.0), Data(1.5, 0.0),      Data(handle(0)), Data(handle(1)), Data("10"),   Data("9")};
     LogCapture log;
     for (std::size_t left = 0; left < ascending.size(); ++left) {
         for (std::size_t right = left + 1; right < ascending.size(); ++right) {
@@ -396,7 +370,7 @@ TEST(Data, oddComparisons) {
     invalid.invalidate();
     EXPECT_TRUE(unset < invalid && invalid < Data(INT64_MIN));
     EXPECT_TRUE(invalid == unset && !(unset == invalid)); // each side asks about its own state first
-    EXPECT_TRUE(Data(1LL, 5LL) == Data(1LL, 7LL));
+    EXPECT_TRUE(Data(1, 5) == Data(1, 7));
     EXPECT_FALSE(Data(5) == invalid || Data(5) < unset);
     const Data nan(std::numeric_limits<double>::quiet_NaN());
     EXPECT_TRUE(nan > Data(1.0) && Data(1.0) > nan && nan > nan && nan != nan);
@@ -410,21 +384,18 @@ TEST(Data, convertsToReal) {
     hex.setCustomFormatter(IntFormatter(0, true));
     Data watts(1.5);
     watts.setCustomFormatter(RealFormatter("W", 0, 1));
-    struct Case {
-        Data value;
-        DataType type;
-        const char* text;
-    };
-    for (const Case& c : std::vector<Case>{{hex, DataType::REAL, "255.00"},
-                                           {Data(UINT64_MAX), DataType::REAL, "18446744073709551616.00"},
-                                           {watts, DataType::REAL, "1.5W"},
-                                           {Data(-1LL, 2LL), DataType::REAL_RANGE, "-1.00 -- 2.00"},
-                                           {Data(1ULL, 2ULL), DataType::REAL_RANGE, "1.00 -- 2.00"},
-                                           {Data(1.0, 2.0), DataType::REAL_RANGE, "1.00 -- 2.00"},
-                                           {unset, DataType::REAL, "failed: "}}) {
-        const Data real = Data::convertToReal(&c.value);
-        EXPECT_EQ(c.type, real.getType());
-        EXPECT_EQ(c.text, textOf(real));
+    const std::tuple<Data, DataType, const char*> cases[] = {
+        {hex, DataType::REAL, "255.00"},
+        {Data(UINT64_MAX), DataType::REAL, "18446744073709551616.00"},
+        {watts, DataType::REAL, "1.5W"},
+        {Data(-1, 2), DataType::REAL_RANGE, "-1.00 -- 2.00"},
+        {Data(1U, 2U), DataType::REAL_RANGE, "1.00 -- 2.00"},
+        {Data(1.0, 2.0), DataType::REAL_RANGE, "1.00 -- 2.00"},
+        {unset, DataType::REAL, "failed: "}};
+    for (const auto& [value, type, text] : cases) {
+        const Data real = Data::convertToReal(&value);
+        EXPECT_EQ(type, real.getType());
+        EXPECT_EQ(text, textOf(real));
         EXPECT_EQ("", log.take());
     }
     EXPECT_FALSE(Data::convertToReal(&unset).isSet());
