@@ -119,10 +119,12 @@ int CpuEntityTopology::build_i(const SystemMetadata& metadata) {
 void CpuEntityTopology::addTree_i(const TopTree& tree) {
     std::vector<const TNode*> packages;
     tree.getAllPackages(packages);
-    std::vector<Visit>
-        open; // the next one last, so that entities are made in the order of the tree's numbers
-    for (auto package = packages.rbegin(); package != packages.rend(); ++package) {
-        open.push_back({*package, nullptr, m_system, 0, "", 0});
+    // The next one stands last, so that entities are made in the order of the tree's numbers.
+    std::reverse(packages.begin(), packages.end());
+    std::vector<Visit> open;
+    open.reserve(packages.size());
+    for (const TNode* package : packages) {
+        open.push_back({package, nullptr, m_system, 0, "", 0});
     }
     while (!open.empty()) {
         const Visit next = std::move(open.back());
