@@ -1,0 +1,5 @@
+#include "common/export.h"
+
+extern "C" KRCOMMON_PLUGIN_EXPORT int somethingElse() {
+    return 1;
+}
