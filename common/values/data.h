@@ -183,6 +183,8 @@ public:
 
     /// The value as text: by the custom formatter if there is one, else by the type's default.
     int toFormattedString(std::string& text) const;
+    /// Whether the value brings a formatter of its own, which a copy of its payload would lose.
+    bool hasCustomFormatter() const { return m_formatter != nullptr; }
     /// Keeps a clone of the formatter; the caller's object is not needed any more. Always 0.
     int setCustomFormatter(const Formatter& formatter);
 

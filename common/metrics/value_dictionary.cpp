@@ -1,0 +1,41 @@
+#include "common/metrics/value_dictionary.h"
+
+#include <cmath>
+
+namespace pwr {
+
+namespace {
+
+bool isNaN(const Data& value) {
+    double number = 0.0;
+    return value.getType() == DataType::REAL && value.toReal(number) == 0 && std::isnan(number);
+}
+
+} // namespace
+
+bool DataOrder::operator()(const Data& left, const Data& right) const {
+    if (left.getType() == DataType::REAL && right.getType() == DataType::REAL) {
+        if (isNaN(left)) {
+            return false;
+        }
+        if (isNaN(right)) {
+            return true;
+        }
+    }
+    return left < right;
+}
+
+std::uint32_t ValueDictionary::enter(const Data& value) {
+    const auto [entry, isNew] = m_numbers.try_emplace(value, size());
+    if (isNew) {
+        m_values.push_back(entry);
+    }
+    return entry->second;
+}
+
+std::uint32_t ValueDictionary::find(const Data& value) const {
+    const auto found = m_numbers.find(value);
+    return found != m_numbers.end() ? found->second : NONE;
+}
+
+} // namespace pwr
