@@ -39,7 +39,8 @@ int DataElement::setAdditionalInfo(const DynamicAttributeValueManager* info) {
 
 const Data* DataElement::getValue() const {
     if (!m_value) {
-        logWarning("WARNING: Value is not set in the DataElement object. Returning an invalid Data object.\n");
+        logWarning(
+            "WARNING: Value is not set in the DataElement object. Returning an invalid Data object.\n");
         return nullptr;
     }
     return &*m_value;
@@ -47,8 +48,9 @@ const Data* DataElement::getValue() const {
 
 const DataDescriptor* DataElement::getOrvexDescriptor() const {
     if (m_reportingDescriptor == nullptr) {
-        logWarning("WARNING: Orvex descriptor is not set. Was this DataElement objectever added to Metric before "
-                   "calling getOrvexDescriptor?\n");
+        logWarning(
+            "WARNING: Orvex descriptor is not set. Was this DataElement objectever added to Metric before "
+            "calling getOrvexDescriptor?\n");
     }
     return m_reportingDescriptor;
 }

@@ -48,8 +48,7 @@ public:
     }
 
     [[nodiscard]] std::uint32_t size() const { return m_used; }
-    template <class Visit>
-    void forEach(Visit visit) const {
+    template <class Visit> void forEach(Visit visit) const {
         for (std::size_t slot = 0; m_entries != nullptr && slot <= m_mask; ++slot) {
             if (m_entries[slot].samples != 0) {
                 visit(m_entries[slot]);

@@ -22,8 +22,7 @@ public:
     }
 
     /// The number for which isEqual(number) holds, NONE when there is none.
-    template <class IsEqual>
-    std::uint32_t find(std::uint64_t hash, IsEqual isEqual) const {
+    template <class IsEqual> std::uint32_t find(std::uint64_t hash, IsEqual isEqual) const {
         if (m_slots.empty()) {
             return NONE;
         }
@@ -37,8 +36,7 @@ public:
     }
 
     /// Enters the next number, which is the count of those entered before; hashOf(number) gives the hash of any.
-    template <class HashOf>
-    void append(HashOf hashOf) {
+    template <class HashOf> void append(HashOf hashOf) {
         if (2 * (m_count + std::size_t{1}) > m_slots.size()) {
             m_slots.assign(m_slots.empty() ? 16 : 2 * m_slots.size(), NONE);
             for (std::uint32_t number = 0; number < m_count; ++number) {

@@ -82,10 +82,12 @@ void Metric::init() {
     std::deque<std::string> request;
     const bool hasEntries = fields.parser->hasTableEntriesFor(fields.featureTag, fields.containerTag);
     if (!hasEntries) {
-        logWarning("WARNING: Output config table entries not present for the feature-switch-tag and "
-                   "metric-container-tag combo: '%s_%s'. Add table entries specific to Metric container type.\n",
-                   fields.featureTag.c_str(), fields.containerTag.c_str());
-    } else if (!fields.parser->getTableOrderForMetric(request, fields.featureTag + "_" + fields.containerTag)) {
+        logWarning(
+            "WARNING: Output config table entries not present for the feature-switch-tag and "
+            "metric-container-tag combo: '%s_%s'. Add table entries specific to Metric container type.\n",
+            fields.featureTag.c_str(), fields.containerTag.c_str());
+    } else if (!fields.parser->getTableOrderForMetric(request,
+                                                      fields.featureTag + "_" + fields.containerTag)) {
         fields.parser->getTableOrderForMetric(request, "ALL_" + fields.containerTag);
     }
     std::vector<std::uint32_t> summaries = orderSummaries(fields.rules->selectors, request);
@@ -124,7 +126,8 @@ int Metric::finalize() {
     }
     for (const std::shared_ptr<Accumulator>& accumulator : fields.accumulators) {
         if (accumulator->finalize(*this) != 0) {
-            logWarning("WARNING: Metric container %s couldn't finalize an accumulator!\n", fields.name.c_str());
+            logWarning("WARNING: Metric container %s couldn't finalize an accumulator!\n",
+                       fields.name.c_str());
             fields.finalResult = 1;
         }
     }
@@ -154,7 +157,8 @@ int Metric::addStaticTableRowInfo(TableMessage* table) {
 
 int Metric::addAccumulator(std::shared_ptr<Accumulator> accumulator) {
     if (accumulator == nullptr) {
-        logWarning("WARNING: trying to add a NULL accumulator to Metric container %s?!\n", m_fields->name.c_str());
+        logWarning("WARNING: trying to add a NULL accumulator to Metric container %s?!\n",
+                   m_fields->name.c_str());
         return 1;
     }
     if (!m_fields->noData) {
@@ -169,21 +173,24 @@ int Metric::addAccumulator(std::shared_ptr<Accumulator> accumulator) {
 int Metric::setFiniteSetValues(const std::vector<const DataDescriptor*>& descriptors) {
     Fields& fields = *m_fields;
     if (std::find(descriptors.begin(), descriptors.end(), nullptr) != descriptors.end()) {
-        logWarning("WARNING: %s: Please provide a valid pointer to DataDescriptor object.\n", fields.name.c_str());
+        logWarning("WARNING: %s: Please provide a valid pointer to DataDescriptor object.\n",
+                   fields.name.c_str());
         return 1;
     }
     if (fields.rules == nullptr || !fields.rules->takesFiniteSet) {
-        logWarning("WARNING: %s: Finite set of possible values can be provided only for MetricType::SampledValue or "
-                   "MetricType::TracedValueTransition metric types.\n",
-                   fields.name.c_str());
+        logWarning(
+            "WARNING: %s: Finite set of possible values can be provided only for MetricType::SampledValue or "
+            "MetricType::TracedValueTransition metric types.\n",
+            fields.name.c_str());
         return 1;
     }
     std::vector<Data> values = fields.finiteSet;
     for (const DataDescriptor* descriptor : descriptors) {
         const Data* value = descriptor->getValue();
         if (value == nullptr || (!values.empty() && values.front().getType() != value->getType())) {
-            logWarning("WARNING: The data type of the finite set of possible valuesdoes not match what was provided "
-                       "previously\n");
+            logWarning(
+                "WARNING: The data type of the finite set of possible valuesdoes not match what was provided "
+                "previously\n");
             return 1;
         }
         if (std::find(values.begin(), values.end(), *value) == values.end()) {

@@ -50,7 +50,7 @@ struct Metric::Fields {
     std::string containerTag;
     std::string featureTag;
     const WriterInterfaceConfigFileParser* parser = nullptr;
-    std::map<std::string, TableInfo> tableInfos; // of the type's keys, as they were at construction
+    std::map<std::string, TableInfo> tableInfos;         // of the type's keys, as they were at construction
     const DataDescriptor* reportingDescriptor = nullptr; // of elements without one; made when first needed
 
     std::vector<Data> finiteSet;

@@ -51,12 +51,14 @@ bool Metric::hasNeeded_i(std::uint64_t timestamp, const DataElement& element) co
     } else if (!m_fields->rules->isResidency) {
         return true;
     } else if (element.m_descriptor == nullptr) {
-        logWarning("WARNING: %s: Descriptor is required for MetricType::SampledResidency type. Please provide one.\n",
+        logWarning("WARNING: %s: Descriptor is required for MetricType::SampledResidency type. Please "
+                   "provide one.\n",
                    name);
     } else if (element.m_value->getType() != DataType::UINT) {
-        logWarning("WARNING: %s: MetricType::SampledResidency type requires values to be given in clock ticks as "
-                   "pw_u64_t data type.\n",
-                   name);
+        logWarning(
+            "WARNING: %s: MetricType::SampledResidency type requires values to be given in clock ticks as "
+            "pw_u64_t data type.\n",
+            name);
     } else {
         return true;
     }
@@ -65,17 +67,19 @@ bool Metric::hasNeeded_i(std::uint64_t timestamp, const DataElement& element) co
 
 void Metric::warnNotIncreasing_i(std::uint64_t timestamp, const DataElement& element,
                                  std::uint64_t previous) const {
-    logWarning("WARNING: %s: Timestamps must be monotonically increasing. Previous=%llu, current=%llu for %s/%s. "
-               "Data discarded.\n",
-               m_fields->name.c_str(), number(previous), number(timestamp), nameOf(element),
-               descriptorNameOf(element));
+    logWarning(
+        "WARNING: %s: Timestamps must be monotonically increasing. Previous=%llu, current=%llu for %s/%s. "
+        "Data discarded.\n",
+        m_fields->name.c_str(), number(previous), number(timestamp), nameOf(element),
+        descriptorNameOf(element));
 }
 
 void Metric::warnTooLong_i(const DataElement& element, std::uint64_t duration, std::uint64_t elapsed) const {
-    logWarning("WARNING: %s: Duration cannot be more than the elapsed time since last sampling/transition point. "
-               "duration=%llu, elapsed time=%llu for %s+%s. Data discarded.\n",
-               m_fields->name.c_str(), number(duration), number(elapsed), nameOf(element),
-               descriptorNameOf(element));
+    logWarning(
+        "WARNING: %s: Duration cannot be more than the elapsed time since last sampling/transition point. "
+        "duration=%llu, elapsed time=%llu for %s+%s. Data discarded.\n",
+        m_fields->name.c_str(), number(duration), number(elapsed), nameOf(element),
+        descriptorNameOf(element));
 }
 
 bool Metric::admit_i(std::uint64_t timestamp, const DataElement& element, std::uint64_t duration,
@@ -84,11 +88,13 @@ bool Metric::admit_i(std::uint64_t timestamp, const DataElement& element, std::u
     if (element.m_container == fields.id) {
         admission.row = element.m_row;
     } else {
-        const std::uint32_t guess = fields.lastRow < fields.rows.size() ? fields.rows[fields.lastRow].next : 0;
+        const std::uint32_t guess =
+            fields.lastRow < fields.rows.size() ? fields.rows[fields.lastRow].next : 0;
         admission.row = fields.rows.find(element.m_entity, element.m_descriptor, guess);
     }
     const bool isFirst = admission.row == RowTable::NONE;
-    const std::uint64_t previous = isFirst ? fields.metadata.startTSC : fields.rows[admission.row].lastTimestamp;
+    const std::uint64_t previous =
+        isFirst ? fields.metadata.startTSC : fields.rows[admission.row].lastTimestamp;
     if (timestamp < previous || (timestamp == previous && !isFirst)) {
         warnNotIncreasing_i(timestamp, element, previous);
         return false;
@@ -111,28 +117,33 @@ std::uint64_t Metric::clampDuration_i(const DataElement& element, std::uint64_t 
     const char* name = m_fields->name.c_str();
     const char* entity = nameOf(element);
     if (m_fields->rules->isResidency) {
-        logWarning("WARNING: %s: Duration provided for MetricType::SampledResidency is greater than the time elapsed "
-                   "since last sampling point for entity=%s. Resetting duration to be the time since the last "
-                   "sampling point for %s.\n",
-                   name, entity, entity);
+        logWarning(
+            "WARNING: %s: Duration provided for MetricType::SampledResidency is greater than the time "
+            "elapsed "
+            "since last sampling point for entity=%s. Resetting duration to be the time since the last "
+            "sampling point for %s.\n",
+            name, entity, entity);
     } else if (m_fields->rules->isSampled) {
-        logWarning("WARNING: %s: Duration is greater than the time elapsed since last sampling point for %s %s. "
-                   "Resetting duration to be the time since the last sampling point.\n",
-                   name, entity, descriptorNameOf(element));
+        logWarning(
+            "WARNING: %s: Duration is greater than the time elapsed since last sampling point for %s %s. "
+            "Resetting duration to be the time since the last sampling point.\n",
+            name, entity, descriptorNameOf(element));
     } else {
-        logWarning("WARNING: %s: Duration is greater than the time elapsed since last transition point for %s %s. "
-                   "Resetting duration to be the time since the last transition point.\n",
-                   name, entity, descriptorNameOf(element));
+        logWarning(
+            "WARNING: %s: Duration is greater than the time elapsed since last transition point for %s %s. "
+            "Resetting duration to be the time since the last transition point.\n",
+            name, entity, descriptorNameOf(element));
     }
     return limit;
 }
 
-std::uint64_t Metric::decideDuration_i(std::uint64_t timestamp, const DataElement& element, std::uint64_t duration,
-                                       const Admission& admission) const {
+std::uint64_t Metric::decideDuration_i(std::uint64_t timestamp, const DataElement& element,
+                                       std::uint64_t duration, const Admission& admission) const {
     Fields& fields = *m_fields;
     std::uint64_t limit = admission.elapsed;
     if (fields.rules->isResidency) {
-        limit = ticksBetween(fields.rows.timesOf(fields.rows[admission.row].entityNumber).lastPoint, timestamp);
+        limit =
+            ticksBetween(fields.rows.timesOf(fields.rows[admission.row].entityNumber).lastPoint, timestamp);
     }
     if (duration == 0) {
         return limit;
@@ -144,11 +155,13 @@ std::uint64_t Metric::decideDuration_i(std::uint64_t timestamp, const DataElemen
     return clampDuration_i(element, duration, limit);
 }
 
-void Metric::warnTooManyTicks_i(std::uint64_t timestamp, const DataElement& element, std::uint64_t duration) const {
+void Metric::warnTooManyTicks_i(std::uint64_t timestamp, const DataElement& element,
+                                std::uint64_t duration) const {
     std::uint64_t ticks = 0;
     element.m_value->toUInt(ticks);
     if (ticks > duration) {
-        logWarning("WARNING: %s: Clock ticks spent by %s in state %s=%llu is greater than the duration=%llu since the "
+        logWarning("WARNING: %s: Clock ticks spent by %s in state %s=%llu is greater than the duration=%llu "
+                   "since the "
                    "last sampling point. Note this sample at timestamp=%llu will be discarded.\n",
                    m_fields->name.c_str(), nameOf(element), descriptorNameOf(element), number(ticks),
                    number(duration), number(timestamp));
@@ -223,11 +236,12 @@ bool Metric::agreeDurations_i() {
         } else if (times.duration != sample.duration) {
             agree = false;
             const char* entity = row.entity->getName().c_str();
-            logWarning("WARNING: %s: valid duration since the last sampling point for %s = %llu, but that provided "
-                       "for %s in state %s= %llu. All data provided for the previous sampling point will be "
-                       "discarded.\n",
-                       fields.name.c_str(), entity, number(times.duration), entity,
-                       row.descriptor->getName().c_str(), number(sample.duration));
+            logWarning(
+                "WARNING: %s: valid duration since the last sampling point for %s = %llu, but that provided "
+                "for %s in state %s= %llu. All data provided for the previous sampling point will be "
+                "discarded.\n",
+                fields.name.c_str(), entity, number(times.duration), entity,
+                row.descriptor->getName().c_str(), number(sample.duration));
         }
     }
     return agree;
@@ -238,7 +252,8 @@ void Metric::initializeAccumulators_i() {
     fields.initializationPending = false;
     for (const std::shared_ptr<Accumulator>& accumulator : fields.accumulators) {
         if (accumulator->initialize(*this, fields.metadata) != 0) {
-            logWarning("WARNING: Metric container %s couldn't initialize an accumulator!\n", fields.name.c_str());
+            logWarning("WARNING: Metric container %s couldn't initialize an accumulator!\n",
+                       fields.name.c_str());
         }
     }
 }

@@ -16,14 +16,11 @@ using Type = Metric::MetricType;
 constexpr const char* DELTA_KEYS[] = {"SAMPLE-COUNT", "AVERAGE-RATE-TOTAL", "TOTAL-DELTA"};
 constexpr const char* RESIDENCY_KEYS[] = {"SAMPLE-COUNT", "RESIDENCY-PERCENTAGE", "RESIDENCY-MILLISECOND",
                                           "RESIDENCY-COMBINED"};
-constexpr const char* VALUE_KEYS[] = {"SAMPLE-COUNT",
-                                      "MIN-MAX-AVG",
-                                      "NUMBER-OF-OCCURENCES",
-                                      "RELATIVE-FREQUENCY-PERCENTAGE",
-                                      "MIN-MAX",
-                                      "APPROXIMATED-RESIDENCY"};
-constexpr const char* TRANSITION_KEYS[] = {"RESIDENCY-PERCENTAGE", "RESIDENCY-MILLISECOND", "TRANSITION-COUNTS",
-                                           "RESIDENCY-COMBINED"};
+constexpr const char* VALUE_KEYS[] = {
+    "SAMPLE-COUNT", "MIN-MAX-AVG",           "NUMBER-OF-OCCURENCES", "RELATIVE-FREQUENCY-PERCENTAGE",
+    "MIN-MAX",      "APPROXIMATED-RESIDENCY"};
+constexpr const char* TRANSITION_KEYS[] = {"RESIDENCY-PERCENTAGE", "RESIDENCY-MILLISECOND",
+                                           "TRANSITION-COUNTS", "RESIDENCY-COMBINED"};
 constexpr const char* EVENT_KEYS[] = {"SAMPLE-COUNT", "EVENT-NAME-COUNTS", "TOP-TEN-EVENT"};
 
 constexpr const char* SAMPLED_TITLE = " Summary - Sampled: Total Samples Received";
@@ -37,7 +34,8 @@ std::shared_ptr<Accumulator> make(const std::vector<std::uint32_t>& summaries, M
 // Indexed by the type's number.
 constexpr MetricTypeRules RULES[] = {
     {Type::SampledDelta, DELTA_KEYS, true, false, false, SAMPLED_TITLE, make<SampledDeltaAccumulator>},
-    {Type::SampledResidency, RESIDENCY_KEYS, true, true, false, SAMPLED_TITLE, make<SampledResidencyAccumulator>},
+    {Type::SampledResidency, RESIDENCY_KEYS, true, true, false, SAMPLED_TITLE,
+     make<SampledResidencyAccumulator>},
     {Type::SampledValue, VALUE_KEYS, true, false, true, SAMPLED_TITLE, make<SampledValueAccumulator>},
     {Type::TracedValueTransition, TRANSITION_KEYS, false, false, true, TRACED_TITLE,
      make<TracedTransitionAccumulator>},

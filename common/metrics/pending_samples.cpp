@@ -22,8 +22,9 @@ void PendingSamples::keep_i(const DataElement& element, PendingSample& sample, b
 
 const PendingSamples::Kept* PendingSamples::findKept_i(std::size_t position) const {
     const auto end = m_kept.begin() + static_cast<std::ptrdiff_t>(m_keptCount);
-    const auto found = std::lower_bound(m_kept.begin(), end, position,
-                                        [](const Kept& kept, std::size_t wanted) { return kept.position < wanted; });
+    const auto found =
+        std::lower_bound(m_kept.begin(), end, position,
+                         [](const Kept& kept, std::size_t wanted) { return kept.position < wanted; });
     return found != end && found->position == position ? &*found : nullptr;
 }
 

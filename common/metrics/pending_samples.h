@@ -96,9 +96,7 @@ inline bool PendingSamples::readBits_i(const Data& value, std::uint64_t& bits) {
         bits = static_cast<std::uint64_t>(number);
         return true;
     }
-    case DataType::UINT:
-        value.toUInt(bits);
-        return true;
+    case DataType::UINT: value.toUInt(bits); return true;
     case DataType::REAL: {
         double number = 0.0;
         value.toReal(number);

@@ -9,8 +9,7 @@ namespace pwr {
 
 /// One value for each row, in pieces that never move: growing copies nothing and takes no more memory than the
 /// rows need, which a doubling vector of large elements would.
-template <class T, unsigned PIECE_BITS = 6>
-class RowColumn {
+template <class T, unsigned PIECE_BITS = 6> class RowColumn {
 public:
     /// Makes room for so many rows; new ones are default-constructed.
     void grow(std::size_t rows) {
@@ -18,7 +17,11 @@ public:
             m_pieces.push_back(std::make_unique<T[]>(std::size_t{1} << PIECE_BITS));
         }
     }
-    void clear() { m_pieces = {}; }
+    /// Gives the memory back.
+    void clear() {
+        m_pieces.clear();
+        m_pieces.shrink_to_fit();
+    }
 
     [[nodiscard]] std::size_t capacity() const { return m_pieces.size() << PIECE_BITS; }
 

@@ -16,8 +16,7 @@ std::uint64_t hashAddress(const void* object) {
 }
 
 /// Enters an object that is in neither list nor index yet; returns its number.
-template <class T>
-std::uint32_t listOnce(const T* object, std::vector<const T*>& list, FlatIndex& index) {
+template <class T> std::uint32_t listOnce(const T* object, std::vector<const T*>& list, FlatIndex& index) {
     const std::uint32_t known =
         index.find(hashAddress(object), [&](std::uint32_t number) { return list[number] == object; });
     if (known != FlatIndex::NONE) {
@@ -49,7 +48,8 @@ std::uint32_t RowTable::add(const EntityHandle* entity, const DataDescriptor* de
     m_rows.grow(row + std::size_t{1});
     m_rows[row] = {entity, descriptor, 0, listEntity_i(entity), row + 1};
     listDescriptor_i(descriptor);
-    m_index.append([this](std::uint32_t number) { return hash_i(m_rows[number].entity, m_rows[number].descriptor); });
+    m_index.append(
+        [this](std::uint32_t number) { return hash_i(m_rows[number].entity, m_rows[number].descriptor); });
     m_count = row + 1;
     return row;
 }

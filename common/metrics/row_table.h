@@ -62,7 +62,8 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> sorted() const;
 
 private:
-    [[nodiscard]] bool isRow_i(std::uint32_t row, const EntityHandle* entity, const DataDescriptor* descriptor) const {
+    [[nodiscard]] bool isRow_i(std::uint32_t row, const EntityHandle* entity,
+                               const DataDescriptor* descriptor) const {
         return m_rows[row].entity == entity && m_rows[row].descriptor == descriptor;
     }
     static std::uint64_t hash_i(const EntityHandle* entity, const DataDescriptor* descriptor) {

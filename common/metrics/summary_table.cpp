@@ -137,7 +137,8 @@ void SummaryTable::fillLabels_i(TableMessage& table, const SummaryRow& row) {
     }
 }
 
-void SummaryTable::addValueColumn_i(TableMessage& table, const SummaryColumn& column, const std::string& title) {
+void SummaryTable::addValueColumn_i(TableMessage& table, const SummaryColumn& column,
+                                    const std::string& title) {
     if (column.quantity != nullptr) {
         table.addField(Field::create(FieldDescription(title, "", column.type, column.quantity)), nullptr);
     } else {
@@ -173,7 +174,8 @@ int SummaryTable::pushRows_i(TableMessage& table, std::vector<SummaryRow>& rows,
     return deliver_i(table);
 }
 
-std::vector<SummaryTable::ColumnOwner> SummaryTable::columnOwners_i(const std::vector<SummaryRow>& rows) const {
+std::vector<SummaryTable::ColumnOwner> SummaryTable::columnOwners_i(
+    const std::vector<SummaryRow>& rows) const {
     std::map<std::pair<const DataDescriptor*, std::string>, std::uint32_t> orders;
     for (const SummaryRow& row : rows) {
         const auto [entry, isNew] = orders.try_emplace({row.descriptor, row.text}, row.columnOrder);
@@ -195,7 +197,10 @@ int SummaryTable::pushTransposed_i(TableMessage& table, const std::vector<Summar
     table.setLabelFieldCount(1);
     std::map<std::pair<const DataDescriptor*, std::string>, unsigned> firstFields;
     for (const ColumnOwner& owner : owners) {
-        const std::string label = owner.descriptor != nullptr ? owner.descriptor->getName() : owner.text;
+        std::string label = owner.text;
+        if (owner.descriptor != nullptr) {
+            label = owner.descriptor->getName() + (label.empty() ? "" : " " + label);
+        }
         firstFields[{owner.descriptor, owner.text}] = table.getFieldCount();
         for (const SummaryColumn& column : m_columns) {
             addValueColumn_i(table, column, label.empty() ? column.title : label + column.transposedSuffix);

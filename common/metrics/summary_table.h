@@ -24,11 +24,12 @@ class TableMessage;
 struct SummaryRow {
     const EntityHandle* entity;
     const DataDescriptor* descriptor = nullptr;
-    std::string text{};             // a state or an event, in tables that list those
-    std::uint32_t source = 0;       // the container's row, or whatever the accumulator counts by
-    std::uint32_t value = 0;        // the number of the state or event
-    std::uint32_t columnOrder = 0;  // where its columns stand when the table is transposed
-    const EntityHandle* handle = nullptr; // carries the row in the table; made once, kept for tables of this order
+    std::string text{};            // a state or an event, in tables that list those
+    std::uint32_t source = 0;      // the container's row, or whatever the accumulator counts by
+    std::uint32_t value = 0;       // the number of the state or event
+    std::uint32_t columnOrder = 0; // where its columns stand when the table is transposed
+    const EntityHandle* handle =
+        nullptr; // carries the row in the table; made once, kept for tables of this order
 };
 
 /// A value column: "Residency (%)", or, one for each state when the table is transposed, "C6" + " (%)".

@@ -24,8 +24,7 @@ struct ValueStatistics {
 struct NoNumber {};
 
 /// Adds samples of one type to a row. Loads and stores the row's words once for a run of samples.
-template <class T>
-class StatisticsRun {
+template <class T> class StatisticsRun {
 public:
     explicit StatisticsRun(ValueStatistics& row) : m_row(row), m_state(row) {}
     StatisticsRun(const StatisticsRun&) = delete;
@@ -77,8 +76,7 @@ inline ValueStatistics seedStatistics(DataType type) {
 }
 
 /// Keys for counting by value: equal values have equal keys. Both zeros are one value, and so are all NaN.
-template <class T>
-std::uint64_t distinctKey(std::uint64_t bits) {
+template <class T> std::uint64_t distinctKey(std::uint64_t bits) {
     if constexpr (std::is_same_v<T, double>) {
         const double value = std::bit_cast<double>(bits);
         if (value == 0.0) {
