@@ -16,8 +16,7 @@ using Nanoseconds = std::chrono::duration<double, std::nano>;
 /// all of them, and prints the median of each beside its ratio to the first.
 class Interleaved {
 public:
-    explicit Interleaved(std::string title) : m_title(std::move(title)) {
-    }
+    explicit Interleaved(std::string title) : m_title(std::move(title)) {}
 
     /// The function works on `items` items and returns how long that took, set-up left out.
     void add(std::string name, std::size_t items, std::function<Nanoseconds()> run) {
