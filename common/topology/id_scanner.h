@@ -25,33 +25,41 @@ public:
         if (m_position == m_end) {
             return false;
         }
-        // Nearly all numbers are short and decimal: no base to find out and no overflow to watch.
+        // Nearly all numbers are plain decimal ones: nothing to find out about their base.
         const char* position = m_position;
-        const char* const longest = m_end - position > c_safeDigits ? position + c_safeDigits : m_end;
-        pw_u32_t number = digitOf(*position);
-        if (number <= 9) {
-            for (++position; position != longest && number != 0; ++position) {
-                const pw_u32_t digit = digitOf(*position);
-                if (digit > 9) {
-                    break;
-                }
-                number = number * 10 + digit;
-            }
-            if (position == m_end || isSeparator(*position)) {
-                m_position = position;
-                value = number;
-                return true;
-            }
+        const bool negative = *position == '-';
+        position += negative ? 1 : 0;
+        const char* const digits = position;
+        pw_u64_t number = 0;
+        while (position != m_end && digitOf(*position) <= 9) {
+            number = number * 10 + digitOf(*position);
+            ++position;
         }
-        value = convert_i();
+        const auto count = position - digits;
+        const bool plain = count == 1 || (count > 1 && count <= c_safeDigits && *digits != '0');
+        if (plain && (position == m_end || isSeparator(*position))) {
+            m_position = position;
+            value = limited(number, negative);
+        } else {
+            value = convert_i();
+        }
         return true;
     }
 
 private:
-    static constexpr std::ptrdiff_t c_safeDigits = 9;
+    static constexpr std::ptrdiff_t c_safeDigits = 19; ///< as many decimal digits as 64 bits hold
+    static constexpr pw_u32_t c_largest = std::numeric_limits<pw_u32_t>::max();
 
     static bool isSeparator(char character) {
-        return character == ' ' || character == '\n' || character == '\t' || character == '\r';
+        return character <= ' ' &&
+               (character == ' ' || character == '\n' || character == '\t' || character == '\r');
+    }
+    static pw_u32_t limited(pw_u64_t number, bool negative) {
+        if (number > c_largest) {
+            return c_largest;
+        }
+        const auto result = static_cast<pw_u32_t>(number);
+        return negative ? 0U - result : result;
     }
     static pw_u32_t digitOf(char character) {
         return static_cast<pw_u32_t>(static_cast<unsigned char>(character)) - '0';
@@ -62,7 +70,7 @@ private:
             return digit;
         }
         const pw_u32_t letter = (static_cast<pw_u32_t>(static_cast<unsigned char>(character)) | 0x20U) - 'a';
-        return letter < 6 ? letter + 10 : std::numeric_limits<pw_u32_t>::max();
+        return letter < 6 ? letter + 10 : c_largest;
     }
 
     /// Converts the token at the position in all generality and moves behind it.
@@ -95,12 +103,11 @@ private:
                 break;
             }
             number = number * base + digit;
-            if (number > std::numeric_limits<pw_u32_t>::max()) {
-                return std::numeric_limits<pw_u32_t>::max();
+            if (number > c_largest) {
+                break;
             }
         }
-        const auto result = static_cast<pw_u32_t>(number);
-        return negative ? 0U - result : result;
+        return limited(number, negative);
     }
 
     const char* m_position;

@@ -75,6 +75,10 @@ TNode*& NodeMap::findOrInsert(pw_u64_t key) {
     return m_entries.back().node;
 }
 
+void NodeMap::reserve(std::size_t entries) {
+    m_entries.reserve(entries);
+}
+
 void NodeMap::settle() {
     if (m_slots.empty()) {
         return;
@@ -110,10 +114,11 @@ pw_u32_t& NodeMap::slotOf_i(pw_u64_t key) {
     return m_slots[slot];
 }
 
-/// Makes the index anew, with room for twice the entries; the number of slots is a power of two.
+/// Makes the index anew, for all entries that have room or for twice as many as there are; the number
+/// of slots is a power of two.
 void NodeMap::makeIndex_i() {
     std::size_t slots = 16;
-    while (slots < 4 * (m_entries.size() + 1)) {
+    while (slots < 2 * std::max(m_entries.capacity(), 2 * (m_entries.size() + 1))) {
         slots *= 2;
     }
     m_slots.assign(slots, 0);

@@ -26,6 +26,9 @@ public:
     /// fills a new place, and settles the map when it has finished.
     TNode*& findOrInsert(pw_u64_t key);
 
+    /// Makes room for so many entries in all.
+    void reserve(std::size_t entries);
+
     /// Puts the entries back into key order.
     void settle();
 

@@ -19,6 +19,9 @@ struct Processor {
     int module = 0;
 };
 
+constexpr std::size_t c_usualRecordSize = 16; ///< bytes, rather low
+constexpr std::size_t c_usualThreadsPerCore = 2;
+
 bool readProcessor(IdScanner& scanner, Processor& processor) {
     pw_u32_t thread = 0;
     pw_u32_t package = 0;
@@ -50,7 +53,11 @@ void reportModuleAndDie() {
 /// entry without one could not be told from none.
 class TopTree::Builder {
 public:
-    explicit Builder(TopTree& tree) : m_tree(tree) {}
+    Builder(TopTree& tree, std::size_t processors) : m_tree(tree) {
+        m_threads.reserve(m_threads.size() + processors);
+        NodeMap& cores = m_tree.mapOf_i(top_node_type::CORE);
+        cores.reserve(cores.size() + processors / c_usualThreadsPerCore);
+    }
 
     void add(const Processor& processor) {
         // Threads of one core mostly stand together.
@@ -123,7 +130,7 @@ private:
 };
 
 void TopTree::buildTopology(std::string_view text, std::size_t coresPerModule) {
-    Builder builder(*this);
+    Builder builder(*this, text.size() / c_usualRecordSize);
     IdScanner scanner(text);
     Processor processor;
     std::size_t records = 0;
