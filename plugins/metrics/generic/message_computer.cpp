@@ -1,0 +1,151 @@
+#include "plugins/metrics/generic/message_computer.h"
+
+#include <algorithm>
+
+#include "plugins/metrics/generic/reading_value.h"
+
+namespace pwr {
+
+MessageComputer::MessageComputer(const DeclaredMessage& message, MetricContainer& container,
+                                 const SystemMetadata& system)
+    : m_message(message), m_metric(*message.metric), m_container(container), m_system(system) {
+    update();
+}
+
+void MessageComputer::update() {
+    for (std::size_t i = m_rows.size(); i < m_message.instances.size(); ++i) {
+        const auto& [entity, descriptor] = m_message.instances[i];
+        const auto known = std::find(m_entities.begin(), m_entities.end(), entity);
+        const auto number = static_cast<std::size_t>(known - m_entities.begin());
+        if (known == m_entities.end()) {
+            m_entities.push_back(entity);
+        }
+        m_rows.push_back({DataElement(entity, descriptor),
+                          CounterDifference(m_metric.width),
+                          TicksOfCounter(m_metric.scale, m_system.twaClockFreq),
+                          number,
+                          0,
+                          0,
+                          false,
+                          {},
+                          0});
+    }
+    m_isLeftOut.resize(m_entities.size());
+}
+
+void MessageComputer::process(const CollectionData& reading) {
+    const tw_driver_msg& header = reading.header();
+    if ((header.flags & (tw_driver_msg_flag::RESET | tw_driver_msg_flag::GAP)) != 0) {
+        std::for_each(m_rows.begin(), m_rows.end(), [this](Row& row) { forget_i(row); });
+        ++m_container.gaps;
+    }
+    m_pending.clear();
+    std::fill(m_isLeftOut.begin(), m_isLeftOut.end(), false);
+    for (std::size_t i = 0; i < reading.size(); ++i) {
+        const std::size_t index = header.first_instance + i;
+        if (index < m_rows.size()) {
+            processRow_i(index, reading, i);
+        }
+    }
+    flushResidency_i(header.timestamp);
+}
+
+void MessageComputer::processRow_i(std::size_t index, const CollectionData& reading, std::size_t at) {
+    Row& row = m_rows[index];
+    const std::uint64_t tick = reading.header().timestamp;
+    const bool wantsText = m_metric.rawType == DataType::STRING;
+    if (!reading.isPresent(at) || reading.isText(at) != wantsText) {
+        ++m_container.missing;
+        m_isLeftOut[row.entity] = true;
+        forget_i(row);
+        return;
+    }
+    if (row.hasLast && tick <= row.lastTick) {
+        m_isLeftOut[row.entity] = true; // no time has passed
+        return;
+    }
+    if (m_metric.source == MetricDeclaration::Source::COUNTER) {
+        processCounter_i(index, reading.getBits(at), tick);
+    } else {
+        processLevel_i(row, reading, at, tick);
+    }
+    row.lastInterval = row.hasLast ? tick - row.lastTick : row.lastInterval;
+    row.lastTick = tick;
+    row.hasLast = true;
+}
+
+void MessageComputer::processCounter_i(std::size_t index, std::uint64_t bits, std::uint64_t tick) {
+    Row& row = m_rows[index];
+    std::uint64_t difference = 0;
+    switch (row.counter.next(bits, tick, difference)) {
+    case CounterDifference::Result::FIRST: m_isLeftOut[row.entity] = true; return;
+    case CounterDifference::Result::RESET:
+        ++m_container.reset;
+        m_isLeftOut[row.entity] = true;
+        return;
+    case CounterDifference::Result::WRAPPED: ++m_container.wrapped; break;
+    case CounterDifference::Result::COUNTED: break;
+    }
+    addDifference_i(index, difference, tick, tick - row.lastTick);
+}
+
+void MessageComputer::addDifference_i(std::size_t index, std::uint64_t difference, std::uint64_t tick,
+                                      std::uint64_t duration) {
+    Row& row = m_rows[index];
+    if (m_metric.type == Metric::MetricType::SampledResidency) {
+        m_pending.push_back({index, row.ticks.next(difference), duration});
+        return;
+    }
+    row.element.setValue(valueOf(difference, m_metric));
+    m_container.metric->setData(tick, row.element, duration);
+}
+
+void MessageComputer::processLevel_i(Row& row, const CollectionData& reading, std::size_t at,
+                                     std::uint64_t tick) {
+    const bool isTraced = m_metric.type >= Metric::MetricType::TracedValueTransition;
+    const std::uint64_t begin = m_system.startTSC;
+    std::uint64_t duration = row.hasLast ? tick - row.lastTick : row.lastInterval;
+    if (!row.hasLast && row.lastInterval == 0) {
+        duration = tick > begin ? tick - begin : 0;
+    }
+    const bool isNews =
+        m_metric.type != Metric::MetricType::TracedValueTransition || isChange_i(row, reading, at);
+    if ((duration == 0 && !isTraced) || !isNews) {
+        return;
+    }
+    if (m_metric.type == Metric::MetricType::SampledResidency) {
+        m_pending.push_back(
+            {static_cast<std::size_t>(&row - m_rows.data()), row.ticks.next(reading.getBits(at)), duration});
+        return;
+    }
+    row.element.setValue(m_metric.rawType == DataType::STRING ? Data(std::string(reading.getText(at)))
+                                                              : valueOf(reading.getBits(at), m_metric));
+    m_container.metric->setData(tick, row.element, isTraced ? Metric::NO_DURATION : duration);
+}
+
+bool MessageComputer::isChange_i(Row& row, const CollectionData& reading, std::size_t at) {
+    const bool isSame =
+        row.hasLast && row.lastBits == reading.getBits(at) && row.lastText == reading.getText(at);
+    row.lastBits = reading.getBits(at);
+    row.lastText = reading.getText(at);
+    return !isSame;
+}
+
+void MessageComputer::flushResidency_i(std::uint64_t tick) {
+    for (const Pending& pending : m_pending) {
+        Row& row = m_rows[pending.row];
+        if (m_isLeftOut[row.entity]) {
+            continue;
+        }
+        m_container.cut += pending.value > pending.duration ? 1 : 0;
+        row.element.setValue(Data(std::min(pending.value, pending.duration)));
+        m_container.metric->setData(tick, row.element, pending.duration);
+    }
+}
+
+void MessageComputer::forget_i(Row& row) {
+    row.hasLast = false;
+    row.counter.forget();
+}
+
+} // namespace pwr
