@@ -39,7 +39,7 @@ public:
     Collection(const Settings& settings, CollectionClock& clock, MessageSet& messages,
                const std::vector<MetricPlugin*>& metrics, pwr::SystemMetadata& system);
 
-    /// Notes the begin in the system record. To be called before the metric plug-ins make their containers.
+    /// Notes the begin in the system record, which the metric containers read with the first sample.
     void begin();
 
     CollectionOutcome run(pwr::platform::ChildProcess* child, ProgressLine& progress);

@@ -13,8 +13,10 @@
 #include "tarnwell/message_set.h"
 #include "tarnwell/settings.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <iterator>
 
 namespace tarnwell {
 namespace {
@@ -31,18 +33,9 @@ void describeRun(const Settings& settings, const CollectionClock& clock, pwr::Sy
     system.twaClockFreq = clock.source().getFrequency();
     system.pollingInterval = static_cast<pw_u16_t>(settings.intervalMs);
     system.cmdLine.push_back("tarnwell");
-    for (const std::string& feature : settings.features) {
-        system.cmdLine.insert(system.cmdLine.end(), {"--feature", feature});
-    }
-    system.cmdLine.insert(system.cmdLine.end(), {"--interval", std::to_string(settings.intervalMs)});
-    if (!settings.command.empty()) {
-        system.cmdLine.push_back("--");
-        for (const std::string& word : settings.command) {
-            if (!word.empty()) {
-                system.cmdLine.push_back(word);
-            }
-        }
-    }
+    // An empty argument would read back as missing.
+    std::copy_if(settings.arguments.begin(), settings.arguments.end(), std::back_inserter(system.cmdLine),
+                 [](const std::string& argument) { return !argument.empty(); });
 }
 
 std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const MessageSet& messages,

@@ -122,7 +122,6 @@ private:
         std::unique_ptr<pwr::platform::ChildProcess> child;
         Collection collection(m_settings, m_clock, m_messages, m_plugins.metrics(), m_system);
         pwr::platform::installInterruptHandler();
-        collection.begin();
         m_messages.announce(m_plugins.metrics(), m_system);
         if (!m_settings.command.empty()) {
             std::string reason;
@@ -133,6 +132,8 @@ private:
             }
         }
         ProgressLine progress(!m_settings.quiet && isErrorTerminal());
+        // As late as possible, so that the collection's time does not count its own preparations.
+        collection.begin();
         const CollectionOutcome outcome = collection.run(child.get(), progress);
         m_messages.close();
         return end_i(outcome, child.get());

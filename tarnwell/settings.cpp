@@ -115,6 +115,7 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     ParsedCommandLine parsed;
     Settings settings;
     RawOptions raw;
+    settings.arguments = arguments;
     const auto separator = std::find(arguments.begin(), arguments.end(), "--");
     std::vector<std::string> own(arguments.begin(), separator);
     if (separator != arguments.end()) {

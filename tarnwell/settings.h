@@ -21,6 +21,7 @@ struct Settings {
     std::string captureFile;               ///< doctor: where to write a bundle of the machine
     bool quiet = false;                    ///< no progress line
     std::vector<std::string> command;      ///< what stands behind "--"
+    std::vector<std::string> arguments;    ///< all of it as given, for the record
 };
 
 /// What came of reading the command line: settings, or text to print and the code to end with.
