@@ -1,5 +1,8 @@
 #include "common/platform/raw_file.h"
 
+#include "common/platform/file.h"
+#include "common/platform/win32/wide_text.h"
+
 #include <fcntl.h>
 #include <io.h>
 #include <share.h>
@@ -27,8 +30,8 @@ RawFile::~RawFile() {
 
 int RawFile::open(const std::string& path) {
     close();
-    const int result =
-        ::_sopen_s(&m_descriptor, path.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT, _SH_DENYNO, _S_IREAD);
+    const int result = ::_wsopen_s(&m_descriptor, wideText(path).c_str(),
+                                   _O_RDONLY | _O_BINARY | _O_NOINHERIT, _SH_DENYNO, _S_IREAD);
     if (result != 0) {
         m_descriptor = -1;
     }
@@ -70,16 +73,16 @@ int RawFile::readAll(std::string& out) {
 int listFolder(const std::string& path, std::vector<std::string>& names) {
     names.clear();
     std::error_code error;
-    for (auto entry = std::filesystem::directory_iterator(path, error);
+    for (auto entry = std::filesystem::directory_iterator(nativePath(path), error);
          !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        names.push_back(entry->path().filename().string());
+        names.push_back(narrowText(entry->path().filename().native()));
     }
     return error ? errorNumber(error) : 0;
 }
 
 int readLinkText(const std::string& path, std::string& target) {
     std::error_code error;
-    target = std::filesystem::read_symlink(path, error).generic_string();
+    target = narrowText(std::filesystem::read_symlink(nativePath(path), error).generic_wstring());
     return error ? errorNumber(error) : 0;
 }
 
