@@ -15,6 +15,7 @@ namespace {
 
 constexpr const char* DEFAULT_NOT_BOOKED = "Not booked";
 constexpr double TICKS_PER_MHZ_MILLISECOND = 1000.0;
+constexpr std::uint64_t NOTED_SHARE = 100; // one in so many
 
 const DataDescriptor* descriptorOf(const std::string& name) {
     const DataDescriptor* known = DataHandleProvider::findDescriptor(name);
@@ -110,8 +111,8 @@ void CarriedMessage::addNotes_i(const EntityResidency& entity, std::uint64_t gap
                                     milliseconds(entity.covered(), clock) + " of " +
                                     milliseconds(all, clock) + " ms");
     }
-    // Clocks that are read one after the other differ by less; that is no news.
-    if (static_cast<double>(entity.lost()) >= static_cast<double>(clock) * TICKS_PER_MHZ_MILLISECOND) {
+    // A timer tick more than the time that passed is how counters of ticks count.
+    if (entity.lost() > entity.covered() / NOTED_SHARE) {
         m_container.notes.push_back(name + ": " + milliseconds(entity.lost(), clock) +
                                     " ms were booked beyond the time that passed and are left out");
     }

@@ -13,15 +13,16 @@ std::uint64_t sum(std::span<const std::uint64_t> values) {
 
 } // namespace
 
-ResidencyCarry::ResidencyCarry(std::size_t stateCount)
-    : m_stateCount(stateCount), m_ticks(stateCount * SLOTS), m_pending(stateCount), m_order(stateCount) {
+ResidencyCarry::ResidencyCarry(std::size_t stateCount, bool isCovering)
+    : m_stateCount(stateCount), m_isCovering(isCovering), m_ticks(stateCount * SLOTS), m_pending(stateCount),
+      m_order(stateCount) {
     std::iota(m_order.begin(), m_order.end(), std::size_t{0});
 }
 
 void ResidencyCarry::begin(std::uint64_t tick) {
     m_first = 0;
     m_used = 0;
-    m_final = 0;
+    m_shown = 0;
     m_last = tick;
     m_running = true;
     m_stepped = false;
@@ -43,12 +44,12 @@ void ResidencyCarry::step(std::uint64_t tick, std::span<const std::uint64_t> boo
     }
     orderStates_i();
     if (pending_i() > room_i(slot_i(own))) {
-        for (std::size_t index = m_final; index < own; ++index) {
+        for (std::size_t index = open_i(); index < own; ++index) {
             fill_i(index);
         }
     }
     fill_i(own);
-    m_final = own;
+    m_shown = own;
 }
 
 void ResidencyCarry::end() {
@@ -60,11 +61,11 @@ void ResidencyCarry::end() {
 ResidencyCarry::Interval ResidencyCarry::takeOldest() {
     const Slot& slot = slot_i(0);
     const std::uint64_t room = room_i(slot);
-    const bool isSettled = m_final > 0;
+    const bool isSettled = open_i() > 0;
     const Interval interval{slot.end, slot.length, isSettled ? room : 0, isSettled ? 0 : room, states_i(0)};
     m_first = (m_first + 1) % SLOTS;
     --m_used;
-    m_final -= isSettled ? 1 : 0;
+    m_shown -= m_shown > 0 ? 1 : 0;
     return interval;
 }
 
@@ -76,12 +77,12 @@ void ResidencyCarry::mergeOldest() {
     slot_i(1).filled += slot_i(0).filled;
     m_first = (m_first + 1) % SLOTS;
     --m_used;
-    m_final -= m_final > 0 ? 1 : 0;
+    m_shown -= m_shown > 0 ? 1 : 0;
 }
 
 std::uint64_t ResidencyCarry::overflowOf(std::uint64_t tick, std::uint64_t booked) const {
     std::uint64_t room = tick - m_last;
-    for (std::size_t index = m_final; index < m_used; ++index) {
+    for (std::size_t index = open_i(); index < m_used; ++index) {
         room += room_i(slot_i(index));
     }
     const std::uint64_t wanted = pending_i() + booked;

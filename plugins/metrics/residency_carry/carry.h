@@ -14,7 +14,9 @@ namespace pwr {
 /// timer ticks. So a reading shows nothing for a while, then a step that may be longer than the interval
 /// it appears in. What is known at a step: the time was spent before it, and not before the last step's
 /// interval, whose remainder may still belong to it. Hence
-///   - an interval is held back until the next step shows what it held;
+///   - an interval is held back until the next step shows what it held. Where the states do not cover all
+///     time (idle states), its unexplained time then belongs to none of them. Where they do (processor
+///     modes), a later step may still fill it, so it is held until it is full or must go;
 ///   - a step that fits into its own interval stays there; a longer one fills the earliest unexplained
 ///     time first, the longest state first, because that one reached back furthest;
 ///   - the first step is cut to the time since the begin: more of it was spent before;
@@ -39,7 +41,8 @@ public:
         std::span<const std::uint64_t> states;
     };
 
-    explicit ResidencyCarry(std::size_t stateCount);
+    /// `isCovering`: together the states cover all time.
+    ResidencyCarry(std::size_t stateCount, bool isCovering);
 
     /// Starts a line of readings: the first one, or the first after a gap. Nothing may be held.
     void begin(std::uint64_t tick);
@@ -57,7 +60,9 @@ public:
     /// End of the oldest interval held; only when there is one.
     std::uint64_t oldestEnd() const { return slot_i(0).end; }
     /// Whether the oldest interval held is final.
-    bool isOldestFinal() const { return m_used > 0 && (m_final > 0 || room_i(slot_i(0)) == 0); }
+    bool isOldestFinal() const { return m_used > 0 && (open_i() > 0 || room_i(slot_i(0)) == 0); }
+    /// Whether a step came after the oldest interval held: no sleep reaches further back than that.
+    bool isOldestShown() const { return m_shown > 0; }
     /// Takes the oldest interval; its states stay valid until the next call of any other member.
     Interval takeOldest();
     /// Joins the oldest interval to the one after it; needs two.
@@ -84,6 +89,8 @@ private:
     Slot& slot_i(std::size_t index) { return m_slots[(m_first + index) % SLOTS]; }
     static std::uint64_t room_i(const Slot& slot) { return slot.length - slot.filled; }
     std::span<std::uint64_t> states_i(std::size_t index);
+    /// The first interval whose unexplained time a step may fill.
+    std::size_t open_i() const { return m_isCovering ? 0 : m_shown; }
     void push_i(std::uint64_t tick);
     void cutFirstStep_i();
     void orderStates_i();
@@ -91,13 +98,14 @@ private:
     std::uint64_t pending_i() const;
 
     std::size_t m_stateCount;
+    bool m_isCovering;
     std::array<Slot, SLOTS> m_slots;
     std::vector<std::uint64_t> m_ticks;   // stateCount values per slot
     std::vector<std::uint64_t> m_pending; // booked, without a place yet
     std::vector<std::size_t> m_order;     // states of a step, longest first
     std::size_t m_first = 0;
     std::size_t m_used = 0;
-    std::size_t m_final = 0; // so many of the oldest are settled by a later step
+    std::size_t m_shown = 0; // so many of the oldest had a step after them
     std::uint64_t m_last = 0;
     std::uint64_t m_cut = 0;
     std::uint64_t m_lost = 0;

@@ -14,8 +14,8 @@ constexpr double TICKS_PER_MHZ_SECOND = 1000000.0;
 EntityResidency::EntityResidency(const EntityHandle* entity, const std::vector<State>& states,
                                  const MetricDeclaration& metric, float clockMHz, const DataDescriptor* rest,
                                  const DataDescriptor* notBooked)
-    : m_entity(entity), m_booked(states.size()), m_carry(states.size()), m_rest(entity, rest),
-      m_notBooked(entity, notBooked), m_hasRest(rest != nullptr),
+    : m_entity(entity), m_booked(states.size()), m_carry(states.size(), rest == nullptr),
+      m_rest(entity, rest), m_notBooked(entity, notBooked), m_hasRest(rest != nullptr),
       m_second(static_cast<std::uint64_t>(static_cast<double>(clockMHz) * TICKS_PER_MHZ_SECOND)) {
     for (const State& state : states) {
         m_counters.push_back({state.instance, CounterDifference(metric.width),
@@ -110,7 +110,7 @@ bool EntityResidency::isFinalAt(std::uint64_t tick) const {
 }
 
 void EntityResidency::postpone(std::uint64_t tick) {
-    if (!isFinalAt(tick) && m_carry.held() > 1) {
+    if (!isFinalAt(tick) && !m_carry.isOldestShown() && m_carry.held() > 1) {
         m_carry.mergeOldest();
     }
 }

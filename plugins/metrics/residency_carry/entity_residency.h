@@ -25,7 +25,7 @@ public:
         const DataDescriptor* descriptor;
     };
 
-    /// `rest` may be null: time that belongs to no state then counts as not booked.
+    /// `rest` is null where the states cover all time: what none of them got is then not booked.
     EntityResidency(const EntityHandle* entity, const std::vector<State>& states,
                     const MetricDeclaration& metric, float clockMHz, const DataDescriptor* rest,
                     const DataDescriptor* notBooked);
@@ -37,7 +37,7 @@ public:
 
     /// Whether the interval that ends at a tick may be handed on; also when there is none.
     bool isFinalAt(std::uint64_t tick) const;
-    /// Joins that interval to the next one, as it cannot be held any longer.
+    /// That interval cannot be held any longer: joins it to the next one, unless a step came after it.
     void postpone(std::uint64_t tick);
     /// Hands the interval that ends at a tick to the container, when there is one.
     void handOn(std::uint64_t tick, MetricContainer& container);
