@@ -50,22 +50,25 @@ void setStates(const MetricDeclaration& declaration, Metric& metric) {
 
 struct NoteRow {
     std::uint64_t MetricContainer::*count;
-    const char* text;
+    const char* what;
+    const char* result;
 };
 
 constexpr std::array NOTES{
-    NoteRow{&MetricContainer::missing, "values could not be read; the time that they stand for is left out"},
-    NoteRow{&MetricContainer::gaps, "readings follow a gap; the time before them is left out"},
-    NoteRow{&MetricContainer::reset, "times a counter fell back; what it counted meanwhile is left out"},
-    NoteRow{&MetricContainer::cut, "times a state held more time than had passed; the excess is left out"},
-    NoteRow{&MetricContainer::back, "times a counter went back a little; it counts again from where it was"},
-    NoteRow{&MetricContainer::wrapped, "times a counter ran through its end and was counted on"},
+    NoteRow{&MetricContainer::missing, "Values that could not be read", "their time is left out"},
+    NoteRow{&MetricContainer::gaps, "Readings after a gap", "the time before them is left out"},
+    NoteRow{&MetricContainer::reset, "Counters that fell back", "what they counted meanwhile is left out"},
+    NoteRow{&MetricContainer::cut, "States that held more time than had passed", "the excess is left out"},
+    NoteRow{&MetricContainer::back, "Counters that went back a little", "they count on from where they were"},
+    NoteRow{&MetricContainer::wrapped, "Counters that ran through their end", "they are counted on"},
 };
 
 void addNotes(MetricContainer& container) {
     for (const NoteRow& row : NOTES) {
         if (container.*row.count > 0) {
-            container.metric->setPostMetricTextInfo(std::to_string(container.*row.count) + " " + row.text);
+            container.metric->setPostMetricTextInfo(std::string(row.what) + ": " +
+                                                    std::to_string(container.*row.count) + " (" + row.result +
+                                                    ")");
         }
     }
     for (const std::string& note : container.notes) {

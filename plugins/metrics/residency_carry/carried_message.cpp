@@ -107,9 +107,8 @@ void CarriedMessage::addNotes_i(const EntityResidency& entity, std::uint64_t gap
     const float clock = m_system.twaClockFreq;
     if (gaps > 0) {
         const std::uint64_t all = stopTick > m_system.startTSC ? stopTick - m_system.startTSC : 0;
-        m_container.notes.push_back(name + ": " + std::to_string(gaps) + " gaps; covers " +
-                                    milliseconds(entity.covered(), clock) + " of " +
-                                    milliseconds(all, clock) + " ms");
+        m_container.notes.push_back(name + ": covers " + milliseconds(entity.covered(), clock) + " of " +
+                                    milliseconds(all, clock) + " ms; gaps: " + std::to_string(gaps));
     }
     // A timer tick more than the time that passed is how counters of ticks count.
     if (entity.lost() > entity.covered() / NOTED_SHARE) {
