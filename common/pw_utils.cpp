@@ -3,7 +3,7 @@
 #include "common/platform/file.h"
 
 #include <algorithm>
-#include <cstring>
+#include <deque>
 #include <system_error>
 
 namespace pwr {
@@ -138,18 +138,18 @@ std::string tw_temp_directory_path() {
 int mkpath(const std::string& path) {
     // From the whole path up to what exists, then down again: so the top is never asked for, which may
     // be a drive or a share that cannot be looked at.
-    std::vector<std::string> missing;
+    std::deque<std::string> missing;
     const char separators[] = {'/', PathOps::getPathSeparator(), '\0'};
     for (std::string folder = path; !folder.empty() && !platform::isFolder(folder);) {
         const std::size_t last = folder.find_last_of(separators);
         if (last == std::string::npos || last + 1 < folder.size()) {
-            missing.push_back(folder);
+            missing.push_front(folder);
         }
         folder.resize(last == std::string::npos ? 0 : last);
     }
-    for (auto folder = missing.rbegin(); folder != missing.rend(); ++folder) {
+    for (const std::string& folder : missing) {
         // Another process may be making the same path.
-        if (!platform::makeFolder(*folder) && !platform::isFolder(*folder)) {
+        if (!platform::makeFolder(folder) && !platform::isFolder(folder)) {
             return 1;
         }
     }

@@ -60,9 +60,9 @@ TEST(PluginEnvironment, fileOutput) {
 
 TEST(PluginEnvironment, initialValuesAndOneWayFlags) {
     PluginEnvironment environment;
-    void* const noHandle = reinterpret_cast<void*>(UINTPTR_MAX);
-    EXPECT_EQ(noHandle, environment.getTarnwellDrvHandle());
-    EXPECT_EQ(noHandle, environment.getQmonDrvHandle());
+    const auto bitsOf = [](void* handle) { return reinterpret_cast<std::uintptr_t>(handle); };
+    EXPECT_EQ(UINTPTR_MAX, bitsOf(environment.getTarnwellDrvHandle()));
+    EXPECT_EQ(UINTPTR_MAX, bitsOf(environment.getQmonDrvHandle()));
     EXPECT_EQ(1.0F, environment.getDefaultClockToTSCRatio());
     EXPECT_EQ(0.0F, environment.getDefaultClockMHz());
     environment.setQmonEnable();

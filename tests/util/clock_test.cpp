@@ -31,6 +31,7 @@ std::vector<float> frequenciesOf(const SystemMetadata& system) {
     std::vector<TWClockSource*> clocks;
     getTWSystemClockSources(system, clocks);
     std::vector<float> frequencies;
+    frequencies.reserve(clocks.size());
     for (const TWClockSource* clock : clocks) {
         frequencies.push_back(clock->getFrequency());
     }

@@ -17,12 +17,13 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 class FileTest : public testing::Test {
-protected:
-    FileTest() { EXPECT_EQ(0, mkpath(m_root)); }
-    ~FileTest() override { std::filesystem::remove_all(platform::nativePath(m_root)); }
+public:
     FileTest(const FileTest&) = delete;
     FileTest& operator=(const FileTest&) = delete;
 
+protected:
+    FileTest() { EXPECT_EQ(0, mkpath(m_root)); }
+    ~FileTest() override { std::filesystem::remove_all(platform::nativePath(m_root)); }
     std::string path(const std::string& name) const { return m_root + "/" + name; }
     std::string make(const std::string& name, const std::string& content = "") const {
         const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openFileHandle(path(name), "wb"),

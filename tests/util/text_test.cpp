@@ -7,7 +7,6 @@ namespace pwr {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST(Tokenizer, splitsAtSets) {
     struct Case {
