@@ -89,6 +89,7 @@ private:
     };
 
     std::map<std::string, Entry> snapshot_i() const;
+    void writeGone_i(std::map<std::string, Entry>& now);
 
     const MachineFiles& m_machine;
     std::vector<std::string> m_patterns;

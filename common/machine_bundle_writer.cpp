@@ -31,6 +31,16 @@ bool isOneLine(const std::string& content) {
     return !content.empty() && content.find('\n') == content.size() - 1;
 }
 
+bool isBelowAny(const std::string& path, const std::set<std::string>& folders) {
+    for (std::size_t end = path.rfind('/'); end != 0 && end != std::string::npos;
+         end = path.rfind('/', end - 1)) {
+        if (folders.contains(path.substr(0, end))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 BundleWriter::BundleWriter(const MachineFiles& machine, std::vector<std::string> patterns)
@@ -65,11 +75,7 @@ int BundleWriter::capture(std::uint64_t nanoseconds) {
     }
     std::map<std::string, Entry> now = snapshot_i();
     m_text += "@" + std::to_string(nanoseconds) + "\n";
-    for (const auto& [path, entry] : m_last) {
-        if (!now.contains(path)) {
-            m_text += "gone " + encodePath(path) + "\n";
-        }
-    }
+    writeGone_i(now);
     for (const auto& [path, entry] : now) {
         const auto last = m_last.find(path);
         if (last != m_last.end() && last->second.status == entry.status &&
@@ -91,6 +97,25 @@ int BundleWriter::capture(std::uint64_t nanoseconds) {
     m_lastMoment = nanoseconds;
     m_empty = false;
     return 0;
+}
+
+/// A path goes together with everything below it, so what lies below one that went needs no line, and a
+/// link through which something is still seen stays.
+void BundleWriter::writeGone_i(std::map<std::string, Entry>& now) {
+    std::set<std::string> gone;
+    for (const auto& [path, entry] : m_last) {
+        if (now.contains(path) || isBelowAny(path, gone)) {
+            continue;
+        }
+        const std::string below = path + "/";
+        const auto next = now.lower_bound(below);
+        if (next != now.end() && next->first.starts_with(below)) {
+            now.emplace(path, entry);
+            continue;
+        }
+        m_text += "gone " + encodePath(path) + "\n";
+        gone.insert(path);
+    }
 }
 
 std::string BundleWriter::text() const {
