@@ -1,5 +1,10 @@
 #include "common/values/formatter.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+
 #include "common/plugin/logger.h"
 #include "common/values/data.h"
 #include "common/values/number_text.h"
@@ -18,27 +23,23 @@ namespace {
 
 constexpr char RANGE_SEPARATOR[] = " -- ";
 
-char* writeInteger(char* out, std::int64_t number, bool hex) {
-    return hex ? writeHexadecimal(out, static_cast<std::uint64_t>(number)) : writeDecimal(out, number);
-}
-
-char* writeInteger(char* out, std::uint64_t number, bool hex) {
-    return hex ? writeHexadecimal(out, number) : writeDecimal(out, number);
-}
-
-template <class Number> char* writeIntegers(char* out, const std::pair<Number, Number>& range, bool hex) {
-    out = writeInteger(out, range.first, hex);
-    for (const char* separator = RANGE_SEPARATOR; *separator != '\0'; ++separator)
-        *out++ = *separator;
-    return writeInteger(out, range.second, hex);
-}
-
-void appendNumber(std::string& out, double number, int precision) {
-    char text[SHORT_REAL_SIZE];
-    if (char* const end = writeShortReal(text, number, precision))
-        out.append(text, end);
+template <class Int> void writeInteger(std::string& out, std::size_t start, Int number, bool hex) {
+    if (hex)
+        writeHexadecimal(out, start, static_cast<std::uint64_t>(number));
     else
-        appendReal(out, number, precision);
+        writeDecimal(out, start, number);
+}
+
+template <class Int> void writeIntegers(std::string& out, const std::pair<Int, Int>& range, bool hex) {
+    writeInteger(out, 0, range.first, hex);
+    out += RANGE_SEPARATOR;
+    writeInteger(out, out.size(), range.second, hex);
+}
+
+/// The numbers are written over the old text, so a failure has to empty it.
+int unreadable(std::string& out) {
+    out.clear();
+    return 1;
 }
 
 } // namespace
@@ -48,66 +49,50 @@ void Formatter::widen(std::string& text, int width) {
         text.insert(0, static_cast<std::size_t>(width) - text.size(), ' ');
 }
 
-int Formatter::finish_i(std::string& out) const {
-    if (!m_unit.empty()) out += m_unit;
-    if (m_width > 0) widen(out, m_width);
-    return 0;
-}
-
 int Formatter::formatInt(const Formatter& formatter, std::string& out, const Data& value) {
     if (value.getType() == DataType::INT_RANGE) return formatIntRange(formatter, out, value);
-    out.clear();
     std::int64_t number = 0;
-    if (value.toInt(number) != 0) return 1;
-    char text[INTEGER_TEXT_SIZE];
-    out.assign(text, writeInteger(text, number, formatter.m_hex));
+    if (value.toInt(number) != 0) return unreadable(out);
+    writeInteger(out, 0, number, formatter.m_hex);
     return formatter.finish_i(out);
 }
 
 int Formatter::formatUInt(const Formatter& formatter, std::string& out, const Data& value) {
     if (value.getType() == DataType::UINT_RANGE) return formatUIntRange(formatter, out, value);
-    out.clear();
     std::uint64_t number = 0;
-    if (value.toUInt(number) != 0) return 1;
-    char text[INTEGER_TEXT_SIZE];
-    out.assign(text, writeInteger(text, number, formatter.m_hex));
+    if (value.toUInt(number) != 0) return unreadable(out);
+    writeInteger(out, 0, number, formatter.m_hex);
     return formatter.finish_i(out);
 }
 
 int Formatter::formatReal(const Formatter& formatter, std::string& out, const Data& value) {
     if (value.getType() == DataType::REAL_RANGE) return formatRealRange(formatter, out, value);
-    out.clear();
     double number = 0;
-    if (value.toReal(number) != 0) return 1;
-    appendNumber(out, number, formatter.m_precision);
+    if (value.toReal(number) != 0) return unreadable(out);
+    writeReal(out, 0, number, formatter.m_precision);
     return formatter.finish_i(out);
 }
 
 int Formatter::formatIntRange(const Formatter& formatter, std::string& out, const Data& value) {
-    out.clear();
     Data::IntRange range;
-    if (value.toIntRange(range) != 0) return 1;
-    char text[2 * INTEGER_TEXT_SIZE + sizeof RANGE_SEPARATOR];
-    out.assign(text, writeIntegers(text, range, formatter.m_hex));
+    if (value.toIntRange(range) != 0) return unreadable(out);
+    writeIntegers(out, range, formatter.m_hex);
     return formatter.finish_i(out);
 }
 
 int Formatter::formatUIntRange(const Formatter& formatter, std::string& out, const Data& value) {
-    out.clear();
     Data::UIntRange range;
-    if (value.toUIntRange(range) != 0) return 1;
-    char text[2 * INTEGER_TEXT_SIZE + sizeof RANGE_SEPARATOR];
-    out.assign(text, writeIntegers(text, range, formatter.m_hex));
+    if (value.toUIntRange(range) != 0) return unreadable(out);
+    writeIntegers(out, range, formatter.m_hex);
     return formatter.finish_i(out);
 }
 
 int Formatter::formatRealRange(const Formatter& formatter, std::string& out, const Data& value) {
-    out.clear();
     Data::RealRange range;
-    if (value.toRealRange(range) != 0) return 1;
-    appendNumber(out, range.first, formatter.m_precision);
+    if (value.toRealRange(range) != 0) return unreadable(out);
+    writeReal(out, 0, range.first, formatter.m_precision);
     out += RANGE_SEPARATOR;
-    appendNumber(out, range.second, formatter.m_precision);
+    writeReal(out, out.size(), range.second, formatter.m_precision);
     return formatter.finish_i(out);
 }
 

@@ -50,7 +50,11 @@ protected:
     Formatter& operator=(const Formatter&) = default;
 
 private:
-    int finish_i(std::string& out) const;
+    int finish_i(std::string& out) const {
+        if (!m_unit.empty()) out += m_unit;
+        if (m_width > 0) widen(out, m_width);
+        return 0;
+    }
 
     std::string m_unit;
     bool m_hex = false;  // integers with "0x" in front, zero without
