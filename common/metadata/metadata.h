@@ -13,7 +13,7 @@ public:
     /// Kinds of records. Persistent: the number stands in front of each saved record, so never
     /// renumber, and never reuse the number of a kind that went. 0 stays free, so that a zeroed
     /// stretch of a file is not taken for a record.
-    enum class __metadata_data_type : pw_u32_t { // NOLINT(bugprone-reserved-identifier)
+    enum class __metadata_data_type : pw_u32_t {
         SYSTEM = 1,
         MSG = 2,
         METRIC = 3,

@@ -20,8 +20,9 @@ template <class Visitor> void visitDepthFirst(const NodeMap& packages, const Vis
             TNode* const node = pending.back();
             pending.pop_back();
             visit(*node);
-            pending.insert(pending.end(), std::make_reverse_iterator(node->end()),
-                           std::make_reverse_iterator(node->begin()));
+            for (auto child = node->end(); child != node->begin();) {
+                pending.push_back(*--child);
+            }
         }
     }
 }

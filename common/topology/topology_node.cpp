@@ -43,6 +43,7 @@ void TNode::insertChild_i(TNode& child) {
 void TNode::addChild_i(TNode& child, std::vector<UnsortedChildren>& unsorted) {
     // Up to here moving the children costs less than remembering to sort them.
     constexpr std::size_t c_longList = 32;
+    constexpr std::size_t c_usualChildren = 2; // threads of a core
     if (m_childrenSorted && !m_children.empty() && m_children.back()->m_id >= child.m_id) {
         if (m_children.size() < c_longList) {
             insertChild_i(child);
@@ -50,6 +51,9 @@ void TNode::addChild_i(TNode& child, std::vector<UnsortedChildren>& unsorted) {
         }
         unsorted.push_back({this, m_children.size()});
         m_childrenSorted = false;
+    }
+    if (m_children.empty()) {
+        m_children.reserve(c_usualChildren);
     }
     child.m_parent = this;
     m_children.push_back(&child);
