@@ -1,15 +1,12 @@
 #include "common/topology/node_map.h"
 
+#include "common/topology/radix_sort.h"
+
 #include <algorithm>
-#include <array>
-#include <utility>
 
 namespace pwr {
 
 namespace {
-
-constexpr std::size_t c_radixFrom = 64; ///< below, comparing is faster than counting
-constexpr unsigned c_keyBytes = sizeof(pw_u64_t);
 
 /// Spreads the ids of a path, which differ in few and always the same bits, over the whole number.
 std::size_t mixed(pw_u64_t key) {
@@ -17,39 +14,8 @@ std::size_t mixed(pw_u64_t key) {
     return static_cast<std::size_t>(key ^ (key >> 29));
 }
 
-std::size_t byteOf(pw_u64_t key, unsigned number) {
-    return (key >> (8 * number)) & 0xFF;
-}
-
 bool isBelow(const NodeMap::Entry& entry, pw_u64_t key) {
     return entry.key < key;
-}
-
-/// Sorts by counting, one byte of the keys after the other, lowest first. Bytes that are the same
-/// in all keys (most are: ids are small) cost nothing.
-void radixSort(std::vector<NodeMap::Entry>& entries) {
-    pw_u64_t differing = 0;
-    for (const NodeMap::Entry& entry : entries) {
-        differing |= entry.key ^ entries.front().key;
-    }
-    std::vector<NodeMap::Entry> sorted(entries.size());
-    for (unsigned number = 0; number < c_keyBytes; ++number) {
-        if (byteOf(differing, number) == 0) {
-            continue;
-        }
-        std::array<std::size_t, 256> places{};
-        for (const NodeMap::Entry& entry : entries) {
-            ++places[byteOf(entry.key, number)];
-        }
-        std::size_t before = 0;
-        for (std::size_t& place : places) {
-            before += std::exchange(place, before);
-        }
-        for (const NodeMap::Entry& entry : entries) {
-            sorted[places[byteOf(entry.key, number)]++] = entry;
-        }
-        entries.swap(sorted);
-    }
 }
 
 } // namespace
@@ -84,12 +50,14 @@ void NodeMap::settle() {
         return;
     }
     std::vector<pw_u32_t>().swap(m_slots);
-    if (m_entries.size() >= c_radixFrom) {
-        radixSort(m_entries);
-    } else {
-        std::sort(m_entries.begin(), m_entries.end(),
-                  [](const Entry& left, const Entry& right) { return left.key < right.key; });
-    }
+    radixSort(m_entries);
+}
+
+void NodeMap::merge(const std::vector<Entry>& entries) {
+    const auto middle = static_cast<std::ptrdiff_t>(m_entries.size());
+    m_entries.insert(m_entries.end(), entries.begin(), entries.end());
+    std::inplace_merge(m_entries.begin(), m_entries.begin() + middle, m_entries.end(),
+                       [](const Entry& left, const Entry& right) { return left.key < right.key; });
 }
 
 void NodeMap::insert(pw_u64_t key, TNode& node) {

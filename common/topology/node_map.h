@@ -35,6 +35,9 @@ public:
     /// Adds the node to a settled map unless the key is taken.
     void insert(pw_u64_t key, TNode& node);
 
+    /// Adds entries in key order, none of whose keys is there yet, to a settled map.
+    void merge(const std::vector<Entry>& entries);
+
     /// Null when nothing stands at the key.
     TNode* find(pw_u64_t key) const;
 

@@ -1,9 +1,12 @@
 #include "common/plugin/logger.h"
 #include "common/topology/id_scanner.h"
 #include "common/topology/path_key.h"
+#include "common/topology/radix_sort.h"
 #include "common/topology/top_tree.h"
 
 #include <atomic>
+#include <iterator>
+#include <vector>
 
 namespace pwr {
 
@@ -55,6 +58,7 @@ class TopTree::Builder {
 public:
     Builder(TopTree& tree, std::size_t processors) : m_tree(tree) {
         m_threads.reserve(m_threads.size() + processors);
+        m_highestKey = m_threads.size() == 0 ? 0 : std::prev(m_threads.end())->key;
         NodeMap& cores = m_tree.mapOf_i(top_node_type::CORE);
         cores.reserve(cores.size() + processors / c_usualThreadsPerCore);
     }
@@ -65,15 +69,21 @@ public:
             findCore_i(processor);
             m_last = processor;
         }
-        TNode*& thread = m_threads.findOrInsert(pathKey(m_coreKey, processor.thread));
-        if (thread == nullptr) {
-            thread = &m_tree.m_nodes.emplace_back(processor.thread, top_node_type::THREAD);
-            m_core->addChild_i(*thread, m_unsorted);
+        const pw_u64_t key = pathKey(m_coreKey, processor.thread);
+        if (m_late.empty() && key >= m_highestKey) {
+            m_highestKey = key;
+            TNode*& thread = m_threads.findOrInsert(key);
+            if (thread == nullptr) {
+                thread = &makeThread_i(*m_core, processor.thread);
+            }
+        } else {
+            m_late.push_back({key, m_core, processor.thread});
         }
     }
 
     /// Puts maps and children in order and numbers the tree.
     void finish() {
+        addLateThreads_i();
         for (NodeMap& map : m_tree.m_maps) {
             map.settle();
         }
@@ -84,6 +94,38 @@ public:
     }
 
 private:
+    /// A thread whose record does not follow in order. These are sorted before their nodes are made:
+    /// no look-up for each, and the nodes of a core lie together.
+    struct LateThread {
+        pw_u64_t key;
+        TNode* core;
+        int id;
+    };
+
+    TNode& makeThread_i(TNode& core, int id) {
+        TNode& thread = m_tree.m_nodes.emplace_back(id, top_node_type::THREAD);
+        core.addChild_i(thread, m_unsorted);
+        return thread;
+    }
+
+    void addLateThreads_i() {
+        radixSort(m_late);
+        std::vector<NodeMap::Entry> added;
+        added.reserve(m_late.size());
+        auto present = m_threads.begin();
+        for (const LateThread& late : m_late) {
+            while (present != m_threads.end() && present->key < late.key) {
+                ++present;
+            }
+            const bool known = (present != m_threads.end() && present->key == late.key) ||
+                               (!added.empty() && added.back().key == late.key);
+            if (!known) {
+                added.push_back({late.key, &makeThread_i(*late.core, late.id)});
+            }
+        }
+        m_threads.merge(added);
+    }
+
     bool isSameCore_i(const Processor& processor) const {
         return processor.core == m_last.core && processor.package == m_last.package &&
                processor.module == m_last.module && processor.die == m_last.die;
@@ -124,6 +166,8 @@ private:
     TopTree& m_tree;
     NodeMap& m_threads = m_tree.mapOf_i(top_node_type::THREAD);
     std::vector<TNode::UnsortedChildren> m_unsorted;
+    std::vector<LateThread> m_late;
+    pw_u64_t m_highestKey = 0;
     Processor m_last;
     pw_u64_t m_coreKey = 0;
     TNode* m_core = nullptr;
