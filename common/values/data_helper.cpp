@@ -37,7 +37,13 @@ struct HelperObjects {
     Permanent<StringHelper> string;
 };
 
+#if defined(__clang__)
+// Cannot evaluate the standard library's empty string at compile time; filled when the library is
+// loaded, which is early enough for everything but formatting in a static initialiser.
+const HelperObjects helpers;
+#else
 constinit const HelperObjects helpers;
+#endif
 
 } // namespace
 
