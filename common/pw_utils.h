@@ -25,8 +25,7 @@ KRCOMMON_API bool isNumber(const std::string& text);
 /// Reads a whole text as an integer, decimal or hexadecimal behind "0x" or "0X". 0 on success. -1,
 /// with `value` untouched, when anything else is in the text (a blank, a sign for an unsigned type, a
 /// dot) or the number does not fit the type: nothing is cut off silently.
-template <typename Integer>
-int extract_number_i(const std::string& text, Integer& value) {
+template <typename Integer> int extract_number_i(const std::string& text, Integer& value) {
     static_assert(std::is_integral_v<Integer> && !std::is_same_v<Integer, bool>);
     std::string_view digits = text;
     const bool hex = digits.starts_with("0x") || digits.starts_with("0X");
