@@ -11,7 +11,7 @@ using namespace kr_test;
 const bool kOnWindows = pwr::PathOps::getPathSeparator() == '\\';
 
 std::string machine() {
-    return (dataFolder() / "machines" / "one-processor.bundle").string();
+    return (dataFolder() / "machines" / "one_processor.bundle").string();
 }
 
 void expectFailure(const ProgramResult& result, int exitCode, const std::vector<std::string>& texts) {

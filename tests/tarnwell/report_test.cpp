@@ -78,7 +78,9 @@ TEST(Report, ofRecordedMachinesIsTheExpectedText) {
 TEST(Report, goesToFilesAsItGoesToTheStandardOutput) {
     const ScratchFolder scratch;
     const std::string prefix = (scratch.path() / "run").string();
-    std::vector<std::string> arguments = argumentsOf(allCases().front());
+    const std::vector<ReportCase> cases = allCases();
+    ASSERT_FALSE(cases.empty());
+    std::vector<std::string> arguments = argumentsOf(cases.front());
     arguments.insert(arguments.end(), {"--output", prefix});
     const ProgramResult result = runProgram(scratch, arguments);
     EXPECT_FALSE(result.output.empty());
