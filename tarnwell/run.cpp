@@ -156,7 +156,8 @@ private:
             return fail(ExitCode::FAILED, "the results could not be written completely");
         }
         const bool isWhole = m_missing.empty() && m_plugins.problems().empty() &&
-                             m_messages.problems().empty() && m_messages.failedReads() == 0;
+                             m_messages.problems().empty() && m_messages.failedReads() == 0 &&
+                             m_messages.missingValues() == 0;
         return toInt(isWhole ? ExitCode::DONE : ExitCode::PARTIAL);
     }
 
