@@ -20,15 +20,10 @@ void MessageComputer::update() {
         if (known == m_entities.end()) {
             m_entities.push_back(entity);
         }
-        m_rows.push_back({DataElement(entity, descriptor),
-                          CounterDifference(m_metric.width),
-                          TicksOfCounter(m_metric.scale, m_system.twaClockFreq),
-                          number,
-                          0,
-                          0,
-                          false,
-                          {},
-                          0});
+        Row row{DataElement(entity, descriptor), CounterDifference(m_metric.width),
+                TicksOfCounter(m_metric.scale, m_system.twaClockFreq)};
+        row.entity = number;
+        m_rows.push_back(std::move(row));
     }
     m_isLeftOut.resize(m_entities.size());
 }
@@ -103,11 +98,7 @@ void MessageComputer::addDifference_i(std::size_t index, std::uint64_t differenc
 void MessageComputer::processLevel_i(Row& row, const CollectionData& reading, std::size_t at,
                                      std::uint64_t tick) {
     const bool isTraced = m_metric.type >= Metric::MetricType::TracedValueTransition;
-    const std::uint64_t begin = m_system.startTSC;
-    std::uint64_t duration = row.hasLast ? tick - row.lastTick : row.lastInterval;
-    if (!row.hasLast && row.lastInterval == 0) {
-        duration = tick > begin ? tick - begin : 0;
-    }
+    const std::uint64_t duration = row.hasLast ? tick - row.lastTick : firstDuration_i(row, tick);
     const bool isNews =
         m_metric.type != Metric::MetricType::TracedValueTransition || isChange_i(row, reading, at);
     if ((duration == 0 && !isTraced) || !isNews) {
@@ -121,6 +112,16 @@ void MessageComputer::processLevel_i(Row& row, const CollectionData& reading, st
     row.element.setValue(m_metric.rawType == DataType::STRING ? Data(std::string(reading.getText(at)))
                                                               : valueOf(reading.getBits(at), m_metric));
     m_container.metric->setData(tick, row.element, isTraced ? Metric::NO_DURATION : duration);
+}
+
+/// How long a level stands for when the reading before is not known.
+std::uint64_t MessageComputer::firstDuration_i(Row& row, std::uint64_t tick) const {
+    if (!row.wasRead) {
+        row.wasRead = true;
+        row.lastInterval = tick > m_system.startTSC ? tick - m_system.startTSC : 0;
+        return row.lastInterval;
+    }
+    return std::max<std::uint64_t>(row.lastInterval, 1);
 }
 
 bool MessageComputer::isChange_i(Row& row, const CollectionData& reading, std::size_t at) {

@@ -40,11 +40,12 @@ private:
         DataElement element;
         CounterDifference counter;
         TicksOfCounter ticks;
-        std::size_t entity; // which of the message's entities
+        std::size_t entity = 0; // which of the message's entities
         std::uint64_t lastTick = 0;
         std::uint64_t lastInterval = 0;
-        bool hasLast = false;
-        std::string lastText;
+        bool hasLast = false; // and nothing is missing since
+        bool wasRead = false;
+        std::string lastText{};
         std::uint64_t lastBits = 0;
     };
     struct Pending {
@@ -58,6 +59,7 @@ private:
     void processLevel_i(Row& row, const CollectionData& reading, std::size_t at, std::uint64_t tick);
     void addDifference_i(std::size_t index, std::uint64_t difference, std::uint64_t tick,
                          std::uint64_t duration);
+    std::uint64_t firstDuration_i(Row& row, std::uint64_t tick) const;
     void flushResidency_i(std::uint64_t tick);
     void forget_i(Row& row);
     static bool isChange_i(Row& row, const CollectionData& reading, std::size_t at);
