@@ -221,13 +221,18 @@ private:
     };
     struct Row {
         std::uint64_t last = 0;
+        // Under weights "sum" is the weighted one, so the plain statistics need a set of their own.
         boost::accumulators::accumulator_set<
             double,
             boost::accumulators::stats<boost::accumulators::tag::min, boost::accumulators::tag::max,
-                                       boost::accumulators::tag::sum, boost::accumulators::tag::count,
+                                       boost::accumulators::tag::sum, boost::accumulators::tag::count>>
+            plain;
+        boost::accumulators::accumulator_set<
+            double,
+            boost::accumulators::stats<boost::accumulators::tag::weighted_sum,
                                        boost::accumulators::tag::sum_of_weights>,
             double>
-            statistics;
+            weighted;
         std::unordered_map<std::uint64_t, Occurrences> distinct;
     };
     std::unordered_map<std::uint64_t, Row> m_rows;

@@ -50,12 +50,12 @@ public:
     [[nodiscard]] const DataDescriptor* getOrvexDescriptor() const;
 
 private:
-    friend class Metric;
+    friend class MetricIntake;
     friend class PendingSamples;
 
     static constexpr std::uint32_t NO_CONTAINER = 0xFFFFFFFF;
 
-    const EntityHandle* m_entity;
+    alignas(64) const EntityHandle* m_entity; // so that an element takes two lines of memory, not three
     const DataDescriptor* m_descriptor;
     const DynamicAttributeValueManager* m_info = nullptr;
     std::optional<Data> m_value;

@@ -23,7 +23,7 @@ public:
     [[nodiscard]] std::uint64_t getPreviousTimestamp() const noexcept { return m_previousTimestamp; }
 
 private:
-    friend class Metric;
+    friend class MetricIntake;
 
     explicit DataPoint(PendingSamples& samples) : m_samples(&samples) {}
 

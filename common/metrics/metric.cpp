@@ -55,10 +55,9 @@ double MetricAccess::ticksPerMillisecond(const Metric& metric) {
 
 Metric::Metric(const std::string& name, MetricType type, const std::string& metricContainerTag,
                const std::string& featureSwitchTag, const SystemMetadata& metadata, const Quantity* quantity)
-    : m_fields(std::make_unique<Fields>(name, type, metadata, quantity)) {
+    : m_fields(std::make_unique<Fields>(*this, name, type, metadata, quantity, nextContainerId++)) {
     m_fields->containerTag = metricContainerTag;
     m_fields->featureTag = featureSwitchTag;
-    m_fields->id = nextContainerId++;
     m_fields->rules = findMetricTypeRules(type);
     if (m_fields->rules == nullptr) {
         logError("ERROR: %s: Invalid Metric type %d\n", "pwr::Metric::Metric", static_cast<int>(type));
@@ -105,10 +104,12 @@ void Metric::init() {
         throw std::runtime_error(
             "Quantity for MetricType::SampledResidency metric must be pwr::Quantity::time()");
     }
-    if (fields.rules->isResidency) {
-        fields.rows.keepEntityTimes();
-    }
-    fields.accumulators.push_back(fields.rules->makeAccumulator(summaries, *this));
+    fields.intake.setRules(fields.rules);
+    fields.intake.accumulators.push_back(fields.rules->makeAccumulator(summaries, *this));
+}
+
+int Metric::setData(std::uint64_t timestamp, DataElement& element, std::uint64_t duration) {
+    return m_fields->intake.take(timestamp, element, duration);
 }
 
 int Metric::finalize() {
@@ -116,15 +117,13 @@ int Metric::finalize() {
     if (fields.isFinalized) {
         return fields.finalResult;
     }
-    if (fields.noData) {
+    if (fields.intake.isEmpty()) {
         logWarning("WARNING: No data was provided for metric %s\n", fields.name.c_str());
         return 1;
     }
     fields.isFinalized = true;
-    if (fields.rules->isSampled) {
-        pushToStream();
-    }
-    for (const std::shared_ptr<Accumulator>& accumulator : fields.accumulators) {
+    fields.intake.end();
+    for (const std::shared_ptr<Accumulator>& accumulator : fields.intake.accumulators) {
         if (accumulator->finalize(*this) != 0) {
             logWarning("WARNING: Metric container %s couldn't finalize an accumulator!\n",
                        fields.name.c_str());
@@ -135,7 +134,7 @@ int Metric::finalize() {
 }
 
 bool Metric::isEmpty() const {
-    return m_fields->noData;
+    return m_fields->intake.isEmpty();
 }
 
 int Metric::addStaticTableRowInfo(TableMessage* table) {
@@ -161,12 +160,12 @@ int Metric::addAccumulator(std::shared_ptr<Accumulator> accumulator) {
                    m_fields->name.c_str());
         return 1;
     }
-    if (!m_fields->noData) {
+    if (!m_fields->intake.isEmpty()) {
         logWarning("WARNING: trying to add an accumulator to Metric container %s after setting data?!\n",
                    m_fields->name.c_str());
         return 1;
     }
-    m_fields->accumulators.push_back(std::move(accumulator));
+    m_fields->intake.accumulators.push_back(std::move(accumulator));
     return 0;
 }
 

@@ -129,27 +129,8 @@ public:
 private:
     friend class MetricAccess;
     struct Fields;
-    struct Admission;
 
     void init();
-    int pushToStream();
-
-    bool hasNeeded_i(std::uint64_t timestamp, const DataElement& element) const;
-    bool admit_i(std::uint64_t timestamp, const DataElement& element, std::uint64_t duration,
-                 Admission& admission) const;
-    void warnNotIncreasing_i(std::uint64_t timestamp, const DataElement& element,
-                             std::uint64_t previous) const;
-    void warnTooLong_i(const DataElement& element, std::uint64_t duration, std::uint64_t elapsed) const;
-    std::uint64_t clampDuration_i(const DataElement& element, std::uint64_t duration,
-                                  std::uint64_t limit) const;
-    std::uint64_t decideDuration_i(std::uint64_t timestamp, const DataElement& element,
-                                   std::uint64_t duration, const Admission& admission) const;
-    void warnTooManyTicks_i(std::uint64_t timestamp, const DataElement& element,
-                            std::uint64_t duration) const;
-    void append_i(std::uint64_t timestamp, DataElement& element, std::uint64_t duration,
-                  const Admission& admission);
-    bool agreeDurations_i();
-    void initializeAccumulators_i();
 
     std::unique_ptr<Fields> m_fields;
 };

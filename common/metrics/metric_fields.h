@@ -6,10 +6,8 @@
 #include <vector>
 
 #include "common/config/table_info.h"
-#include "common/metrics/data_point.h"
 #include "common/metrics/metric.h"
-#include "common/metrics/pending_samples.h"
-#include "common/metrics/row_table.h"
+#include "common/metrics/metric_intake.h"
 #include "common/writer/table_message.h"
 #include "common/writer/writer_message.h"
 
@@ -22,36 +20,25 @@ class WriterInterfaceConfigFileParser;
 
 /// What a metric container keeps.
 struct Metric::Fields {
-    Fields(const std::string& containerName, MetricType metricType, const SystemMetadata& systemMetadata,
-           const Quantity* metricQuantity)
-        : name(containerName), quantity(metricQuantity), metadata(systemMetadata), type(metricType) {}
-
-    // What setData looks at for every sample stands together.
-    const MetricTypeRules* rules = nullptr; // null: no valid type, and nothing is accepted
-    std::uint32_t id = 0;
-    std::uint32_t lastRow = 0;
-    std::uint64_t currentPoint = 0;
-    std::uint64_t latest = 0;
-    bool noData = true;
-    bool initializationPending = true;
-    bool isFinalized = false;
-    int finalResult = 0;
-    std::uint64_t checks = 0; // sampling points whose durations were compared
-    RowTable rows;
-    PendingSamples pending{rows};
-    DataPoint point{pending};
+    Fields(Metric& owner, const std::string& containerName, MetricType metricType,
+           const SystemMetadata& systemMetadata, const Quantity* metricQuantity, std::uint32_t containerId)
+        : name(containerName), quantity(metricQuantity), metadata(systemMetadata), type(metricType),
+          id(containerId), intake(owner, name, systemMetadata, containerId) {}
 
     std::string name;
     const Quantity* quantity;
     const SystemMetadata& metadata;
     MetricType type;
-    std::vector<std::shared_ptr<Accumulator>> accumulators;
+    const MetricTypeRules* rules = nullptr; // null: no valid type
+    std::uint32_t id;
+    MetricIntake intake;
+    bool isFinalized = false;
+    int finalResult = 0;
     WriterStream* stream = nullptr;
     std::string containerTag;
     std::string featureTag;
     const WriterInterfaceConfigFileParser* parser = nullptr;
-    std::map<std::string, TableInfo> tableInfos;         // of the type's keys, as they were at construction
-    const DataDescriptor* reportingDescriptor = nullptr; // of elements without one; made when first needed
+    std::map<std::string, TableInfo> tableInfos; // of the type's keys, as they were at construction
 
     std::vector<Data> finiteSet;
     const Field* valueGroup = nullptr;
@@ -77,8 +64,8 @@ public:
 
     static Fields& of(Metric& metric) { return *metric.m_fields; }
     static const Fields& of(const Metric& metric) { return *metric.m_fields; }
-    static const RowTable& rowsOf(const Metric& metric) { return metric.m_fields->rows; }
-    static const PendingSamples& samplesOf(const Metric& metric) { return metric.m_fields->pending; }
+    static const RowTable& rowsOf(const Metric& metric) { return metric.m_fields->intake.rows(); }
+    static const PendingSamples& samplesOf(const Metric& metric) { return metric.m_fields->intake.pending(); }
     /// Ticks in a millisecond; 0 when the clock's frequency is not known.
     static double ticksPerMillisecond(const Metric& metric);
 };

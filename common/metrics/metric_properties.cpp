@@ -107,19 +107,19 @@ std::uint32_t Metric::getId() const {
 }
 
 const std::vector<const EntityHandle*>& Metric::getEntities() const {
-    return m_fields->rows.entities();
+    return m_fields->intake.rows().entities();
 }
 
 const std::vector<const DataDescriptor*>& Metric::getDescriptors() const {
-    return m_fields->rows.descriptors();
+    return m_fields->intake.rows().descriptors();
 }
 
 std::uint64_t Metric::getLatestTimestamp() const {
-    return m_fields->latest;
+    return m_fields->intake.latestTimestamp();
 }
 
 const DataPoint& Metric::getData() const {
-    return m_fields->point;
+    return m_fields->intake.point();
 }
 
 } // namespace pwr

@@ -9,9 +9,9 @@ namespace pwr {
 
 void PendingSamples::keep_i(const DataElement& element, PendingSample& sample, bool isPlain) {
     if (m_keptCount == m_kept.size()) {
-        m_kept.push_back({m_samples.size(), element});
+        m_kept.push_back({m_count, element});
     } else {
-        m_kept[m_keptCount].position = m_samples.size();
+        m_kept[m_keptCount].position = m_count;
         m_kept[m_keptCount].element = element;
     }
     if (!isPlain) {
@@ -45,7 +45,7 @@ void PendingSamples::fill_i(const PendingSample& sample, DataElement& element) c
 }
 
 std::span<const DataElement> PendingSamples::elements() {
-    for (; m_elementCount < m_samples.size(); ++m_elementCount) {
+    for (; m_elementCount < m_count; ++m_elementCount) {
         if (m_elementCount == m_elements.size()) {
             m_elements.emplace_back(nullptr, nullptr);
         }

@@ -33,28 +33,33 @@ public:
 
     /// The element's value must be set and its row, duration and reporting descriptor final.
     void add(const DataElement& element, std::uint64_t elapsed) {
+        if (m_count == m_samples.size()) {
+            m_samples.resize(m_count + m_count / 4 + 16);
+        }
         const Data& value = *element.m_value;
-        PendingSample sample{0, element.m_duration, elapsed, element.m_row, value.getType()};
+        PendingSample& sample = m_samples[m_count];
+        sample.duration = element.m_duration;
+        sample.elapsed = elapsed;
+        sample.row = element.m_row;
+        sample.type = value.getType();
         const bool isPlain = readBits_i(value, sample.bits);
         if (!isPlain || element.m_info != nullptr || value.hasCustomFormatter()) {
             keep_i(element, sample, isPlain);
         }
-        if (m_samples.size() == m_samples.capacity()) {
-            m_samples.reserve(m_samples.size() + m_samples.size() / 4 + 16);
-        }
-        m_samples.push_back(sample);
-        if (element.m_descriptor == nullptr) {
-            m_reportingDescriptor = element.m_reportingDescriptor;
-        }
+        ++m_count;
     }
 
     void clear() {
-        m_samples.clear();
+        m_count = 0;
         m_keptCount = 0;
         m_elementCount = 0;
     }
 
-    [[nodiscard]] std::span<const PendingSample> samples() const { return m_samples; }
+    [[nodiscard]] std::span<const PendingSample> samples() const {
+        return std::span<const PendingSample>(m_samples).first(m_count);
+    }
+    /// The descriptor under which samples without one are reported.
+    void setReportingDescriptor(const DataDescriptor* descriptor) { m_reportingDescriptor = descriptor; }
     /// The value of a sample as it was given, with its formatter.
     [[nodiscard]] Data valueOf(const PendingSample& sample) const;
     /// The same without a copy, for samples that are no plain number.
@@ -80,7 +85,8 @@ private:
     void fill_i(const PendingSample& sample, DataElement& element) const;
 
     const RowTable& m_rows;
-    std::vector<PendingSample> m_samples;
+    std::vector<PendingSample> m_samples; // the first m_count count
+    std::size_t m_count = 0;
     std::vector<Kept> m_kept; // in the order of their positions; the first m_keptCount count
     std::size_t m_keptCount = 0;
     std::vector<DataElement> m_elements; // the first m_elementCount are made

@@ -29,6 +29,11 @@ template <class T> std::uint32_t listOnce(const T* object, std::vector<const T*>
 
 } // namespace
 
+std::uint32_t RowTable::find(const EntityHandle* entity, const DataDescriptor* descriptor) const {
+    return m_index.find(hash_i(entity, descriptor),
+                        [&](std::uint32_t row) { return isRow(row, entity, descriptor); });
+}
+
 std::uint32_t RowTable::listEntity_i(const EntityHandle* entity) {
     const std::uint32_t number = listOnce(entity, m_entities, m_entityIndex);
     if (m_keepTimes && number >= m_entityTimes.size()) {

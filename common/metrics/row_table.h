@@ -37,15 +37,12 @@ public:
     Row& operator[](std::uint32_t row) { return m_rows[row]; }
     const Row& operator[](std::uint32_t row) const { return m_rows[row]; }
 
-    /// NONE when the combination is new. The guess is tried first.
-    [[nodiscard]] std::uint32_t find(const EntityHandle* entity, const DataDescriptor* descriptor,
-                                     std::uint32_t guess) const {
-        if (guess < m_count && isRow_i(guess, entity, descriptor)) {
-            return guess;
-        }
-        return m_index.find(hash_i(entity, descriptor),
-                            [&](std::uint32_t row) { return isRow_i(row, entity, descriptor); });
+    [[nodiscard]] bool isRow(std::uint32_t row, const EntityHandle* entity,
+                             const DataDescriptor* descriptor) const {
+        return m_rows[row].entity == entity && m_rows[row].descriptor == descriptor;
     }
+    /// NONE when the combination is new.
+    [[nodiscard]] std::uint32_t find(const EntityHandle* entity, const DataDescriptor* descriptor) const;
 
     /// Numbers a new combination; the entity and the descriptor are listed when they are new as well.
     std::uint32_t add(const EntityHandle* entity, const DataDescriptor* descriptor);
@@ -62,10 +59,6 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> sorted() const;
 
 private:
-    [[nodiscard]] bool isRow_i(std::uint32_t row, const EntityHandle* entity,
-                               const DataDescriptor* descriptor) const {
-        return m_rows[row].entity == entity && m_rows[row].descriptor == descriptor;
-    }
     static std::uint64_t hash_i(const EntityHandle* entity, const DataDescriptor* descriptor) {
         const auto first = reinterpret_cast<std::uintptr_t>(entity);
         const auto second = reinterpret_cast<std::uintptr_t>(descriptor);

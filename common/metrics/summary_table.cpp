@@ -28,10 +28,10 @@ const EntityHandle* makeRowEntity(const SummaryRow& row) {
 /// The handles of the container's rows, which all tables of that order share. Tables order rows by the ids of
 /// their handles, so a measured entity carries its own row only as long as no made handle stands before it.
 void makeContainerHandles(MetricAccess::Fields& fields) {
-    fields.rowEntities.resize(fields.rows.size(), nullptr);
+    fields.rowEntities.resize(fields.intake.rows().size(), nullptr);
     bool hasMade = false;
-    for (const std::uint32_t number : fields.rows.sorted()) {
-        const RowTable::Row& row = fields.rows[number];
+    for (const std::uint32_t number : fields.intake.rows().sorted()) {
+        const RowTable::Row& row = fields.intake.rows()[number];
         hasMade = hasMade || row.descriptor != nullptr;
         fields.rowEntities[number] =
             hasMade ? makeRowEntity(SummaryRow{row.entity, row.descriptor}) : row.entity;
