@@ -27,6 +27,10 @@ std::string milliseconds(double value) {
     return text.data();
 }
 
+std::string counted(std::uint64_t count, const std::string& thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
 } // namespace
 
 void describeRun(const Settings& settings, const CollectionClock& clock, pwr::SystemMetadata& system) {
@@ -42,7 +46,7 @@ std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const Mes
                                      const std::vector<std::string>& absent,
                                      const std::vector<std::string>& missing) {
     std::vector<std::string> notes;
-    notes.push_back(std::to_string(outcome.polls) + " polls; interval achieved: mean " +
+    notes.push_back(counted(outcome.polls, "poll") + "; interval achieved: mean " +
                     milliseconds(outcome.meanIntervalMs) + ", longest " +
                     milliseconds(outcome.longestIntervalMs) +
                     "; missed ticks: " + std::to_string(outcome.missedTicks));
@@ -57,7 +61,7 @@ std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const Mes
         notes.push_back("Missing: " + feature);
     }
     for (const std::string& feature : absent) {
-        notes.push_back("Not on this machine: " + feature);
+        notes.push_back("Not collected: " + feature);
     }
     return notes;
 }
