@@ -4,7 +4,9 @@
 #include <bit>
 #include <charconv>
 #include <optional>
+#include <set>
 #include <system_error>
+#include <utility>
 
 namespace text_files {
 
@@ -34,6 +36,21 @@ bool hasWord(std::string_view text, unsigned number) {
 }
 
 } // namespace
+
+/// The bindings found, each once: a file may say something twice, and the first time counts.
+struct Field::Findings {
+    explicit Findings(const Pattern& pattern) : key(pattern) {}
+
+    void add(Binding binding) {
+        if (seen.insert(key.expand(binding)).second) {
+            bindings.push_back(std::move(binding));
+        }
+    }
+
+    const Pattern& key;
+    std::set<std::string> seen;
+    std::vector<Binding> bindings;
+};
 
 void parseValue(std::string_view word, RawType type, RawValue& value) {
     value.kind = RawValue::Kind::MISSING;
@@ -111,27 +128,27 @@ int Field::parse(std::string_view text, std::string& error) {
     return kind == Kind::KEYED ? key.parse(first, error) : 0;
 }
 
-void Field::findHeadings_i(std::string_view text, const Binding& known, std::vector<Binding>& found) const {
+void Field::findHeadings_i(std::string_view text, const Binding& known, Findings& found) const {
     std::string_view heading = takeLine(text);
     for (std::string_view word = takeWord(heading); !word.empty(); word = takeWord(heading)) {
         Binding binding = known;
         if (key.match(word, binding)) {
-            found.push_back(std::move(binding));
+            found.add(std::move(binding));
         }
     }
 }
 
-void Field::findLines_i(std::string_view text, const Binding& known, std::vector<Binding>& found) const {
+void Field::findLines_i(std::string_view text, const Binding& known, Findings& found) const {
     while (!text.empty()) {
         std::string_view line = takeLine(text);
         Binding binding = known;
         if (key.match(takeWord(line), binding) && hasWord(line, number)) {
-            found.push_back(std::move(binding));
+            found.add(std::move(binding));
         }
     }
 }
 
-void Field::findBlocks_i(std::string_view text, const Binding& known, std::vector<Binding>& found) const {
+void Field::findBlocks_i(std::string_view text, const Binding& known, Findings& found) const {
     std::optional<Binding> block;
     while (!text.empty()) {
         std::string_view name;
@@ -143,25 +160,24 @@ void Field::findBlocks_i(std::string_view text, const Binding& known, std::vecto
         if (name == blockKey) {
             block = key.match(value, binding) ? std::optional(std::move(binding)) : std::nullopt;
         } else if (block && name == valueKey) {
-            found.push_back(std::move(*block));
+            found.add(std::move(*block));
             block.reset();
         }
     }
 }
 
 std::vector<Binding> Field::findAll(std::string_view text, const Binding& known) const {
-    std::vector<Binding> found;
+    if (kind == Kind::WORD) {
+        return hasWord(text, number) ? std::vector<Binding>{known} : std::vector<Binding>();
+    }
+    Findings found(key);
     switch (kind) {
-    case Kind::WORD:
-        if (hasWord(text, number)) {
-            found.push_back(known);
-        }
-        break;
+    case Kind::WORD: break;
     case Kind::KEYED: findLines_i(text, known, found); break;
     case Kind::SUM: findHeadings_i(text, known, found); break;
     case Kind::BLOCK: findBlocks_i(text, known, found); break;
     }
-    return found;
+    return std::move(found.bindings);
 }
 
 } // namespace text_files

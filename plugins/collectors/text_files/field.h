@@ -49,9 +49,11 @@ struct Field {
     std::vector<Binding> findAll(std::string_view text, const Binding& known) const;
 
 private:
-    void findHeadings_i(std::string_view text, const Binding& known, std::vector<Binding>& found) const;
-    void findLines_i(std::string_view text, const Binding& known, std::vector<Binding>& found) const;
-    void findBlocks_i(std::string_view text, const Binding& known, std::vector<Binding>& found) const;
+    struct Findings;
+
+    void findHeadings_i(std::string_view text, const Binding& known, Findings& found) const;
+    void findLines_i(std::string_view text, const Binding& known, Findings& found) const;
+    void findBlocks_i(std::string_view text, const Binding& known, Findings& found) const;
 };
 
 /// Text walking without copies. The words of a line are separated by blanks and tabs.

@@ -43,7 +43,9 @@ void readWords(std::string_view text, const std::vector<Target>& targets, std::s
         if (word.empty()) {
             return;
         }
-        parseValue(word, target.type, values[target.slot]);
+        if (values[target.slot].kind == RawValue::Kind::MISSING) { // the first line of a key counts
+            parseValue(word, target.type, values[target.slot]);
+        }
     }
 }
 
@@ -218,7 +220,7 @@ public:
                 continue;
             }
             for (const BlockTarget& target : m_blocks[block]) {
-                if (target.valueKey == key) {
+                if (target.valueKey == key && values[target.slot].kind == RawValue::Kind::MISSING) {
                     parseValue(value, target.type, values[target.slot]);
                 }
             }

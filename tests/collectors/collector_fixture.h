@@ -1,0 +1,127 @@
+#pragma once
+
+#include "common/metadata/cpu_metadata.h"
+#include "common/metadata/msg_metadata.h"
+#include "common/metadata/system_metadata.h"
+#include "common/model/data_descriptor.h"
+#include "common/model/data_handle_provider.h"
+#include "common/model/entity_handle.h"
+#include "common/plugin/collector_plugin.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/module_file.h"
+#include "tests/support/told_clock.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tests {
+
+/// A collector module on a machine, with the topology that a host would have made of it.
+class CollectorFixture : public ::testing::Test {
+protected:
+    using Keys = std::vector<std::pair<std::string, std::string>>;
+
+    CollectorFixture() { setTopology("0 0 0 0 -1 -1\n1 0 1 0 -1 -1\n"); }
+    ~CollectorFixture() override {
+        std::error_code ignored;
+        std::filesystem::remove(m_file, ignored);
+    }
+
+    /// Six numbers for each logical processor, as TopTree::buildTopology takes them.
+    static void setTopology(const std::string& text) {
+        pwr::SystemMetadata system;
+        auto* cpu = new pwr::CPUMetadata();
+        cpu->getCPUTopology().buildTopology(text, 0);
+        system.setPlatformMetadata(pwr::PlatformType::CPU, cpu);
+        pwr::DataHandleProvider::resetTopology(system);
+    }
+    void load(const std::string& module, const std::string& machine) {
+        m_loader.setOption("machine", machine);
+        ASSERT_EQ(0, loadModule(m_loader, module)) << m_log.text();
+        m_plugin = m_loader.getPlugins<CollectorPlugin>().front();
+    }
+    /// A recorded machine of the fixtures, or one whose entries stand here.
+    void loadRecorded(const std::string& name) {
+        load("text_files", pwr::pw_getenv("KR_TEST_DATA") + "/machines/" + name + ".bundle");
+    }
+    void loadEntries(const std::string& entries) {
+        m_file =
+            std::filesystem::temp_directory_path() /
+            (std::string("kr_collector_") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::ofstream(m_file, std::ios::binary) << "tarnwell-machine 1\n@1000\n" << entries << "end\n";
+        load("text_files", m_file.string());
+    }
+    static std::string fileEntry(const std::string& path, const std::string& content) {
+        return "file " + path + " " + std::to_string(content.size()) + "\n" + content + "\n";
+    }
+    CollectorPlugin& plugin() { return *m_plugin; }
+
+    /// "cpu: yes" or "cpu: reason (fix)" for each capability.
+    std::string capabilities() {
+        std::string text;
+        for (const PluginCapability* capability : m_plugin->getCapabilities()) {
+            const std::string why = capability->getReason() + " (" + capability->getFix() + ")";
+            text += capability->getName() + ": " + (capability->isAvailable() ? "yes" : why) + "\n";
+        }
+        return text;
+    }
+    /// Opens the built-in message of a name; null when it is not declared or does not open.
+    const pwr::MsgMetadata* openDeclared(const std::string& name) {
+        if (m_declarations.empty()) {
+            m_plugin->declare(m_declarations);
+        }
+        for (const auto& declaration : m_declarations) {
+            const auto* message = dynamic_cast<const pwr::MsgMetadata*>(declaration.get());
+            if (message != nullptr && message->getMsgName() == name) {
+                return m_plugin->open(*message, m_instances) == 0 ? message : nullptr;
+            }
+        }
+        return nullptr;
+    }
+    /// A message of one operation and its constants, not opened yet.
+    static std::unique_ptr<pwr::MsgMetadata> makeMessage(const Keys& operation, const Keys& constants,
+                                                         unsigned number) {
+        auto message = std::make_unique<pwr::MsgMetadata>(1, number, number, "feature", "MSG");
+        message->addMetaValue(pwr::OperationMetadata("op", "TEXT-FILE", 8, "", operation));
+        message->addMetaValue(std::make_unique<pwr::CONSTANTOperationMetadata>("constants", constants));
+        return message;
+    }
+    /// One reading: "entity/descriptor=value" for each instance, "-" for what is missing.
+    std::string read(const pwr::MsgMetadata& message) {
+        m_data.clear();
+        if (m_plugin->read(message, m_data) != 0) {
+            return "nothing read";
+        }
+        EXPECT_EQ(m_instances.instances.size(), m_data.size());
+        std::string text;
+        for (std::size_t i = 0; i < m_data.size(); ++i) {
+            const auto& [entity, descriptor] = m_instances.instances[i];
+            text += (i == 0 ? "" : " ") + entity->getName() +
+                    (descriptor ? "/" + descriptor->getName() : "") + "=";
+            text += !m_data.isPresent(i) ? "-"
+                    : m_data.isText(i)   ? "'" + std::string(m_data.getText(i)) + "'"
+                                         : std::to_string(m_data.getBits(i));
+        }
+        return text;
+    }
+
+    pwr::LogCapture m_log;
+    ToldClock m_clock{1000};
+    MessageInstances m_instances;
+    CollectionData m_data;
+
+private:
+    pwr::PluginLoader m_loader;
+    CollectorPlugin* m_plugin = nullptr;
+    std::filesystem::path m_file;
+    std::vector<std::unique_ptr<pwr::Metadata>> m_declarations;
+};
+
+} // namespace tests
