@@ -21,7 +21,8 @@ namespace {
 /// Keeps an object from being destroyed: values that outlive the library's last static still print.
 template <class T> union Permanent {
     constexpr Permanent() noexcept : object() {}
-    ~Permanent() {}
+    ~Permanent() { /* the object stays */
+    }
     T object;
 };
 

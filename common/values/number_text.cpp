@@ -150,7 +150,8 @@ void writeHexadecimal(std::string& out, std::size_t start, std::uint64_t value) 
     for (; value >= 16; value >>= 8)
         begin = prependPair<16>(begin, value & 0xff);
     if (value != 0) *--begin = DIGIT_PAIRS<16>[2 * value + 1];
-    std::memcpy(begin - 2, "0x", 2);
+    *--begin = 'x';
+    *--begin = '0';
 }
 
 void writeReal(std::string& out, std::size_t start, double value, int precision) {
