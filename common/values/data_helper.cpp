@@ -21,8 +21,8 @@ namespace {
 /// Keeps an object from being destroyed: values that outlive the library's last static still print.
 template <class T> union Permanent {
     constexpr Permanent() noexcept : object() {}
-    ~Permanent() { /* the object stays */
-    }
+    // A defaulted destructor would be a deleted one here.
+    ~Permanent() {} // NOLINT(modernize-use-equals-default)
     T object;
 };
 
