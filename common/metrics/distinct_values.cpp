@@ -6,7 +6,7 @@ namespace pwr {
 
 void DistinctValues::grow_i() {
     const std::size_t oldSize = m_entries == nullptr ? 0 : m_mask + std::size_t{1};
-    const std::size_t newSize = oldSize == 0 ? 4 : 2 * oldSize;
+    const std::size_t newSize = oldSize == 0 ? 2 : 2 * oldSize;
     const std::unique_ptr<Entry[]> old = std::exchange(m_entries, std::make_unique<Entry[]>(newSize));
     m_mask = static_cast<std::uint32_t>(newSize - 1);
     for (std::size_t slot = 0; slot < oldSize; ++slot) {

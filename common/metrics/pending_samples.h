@@ -34,7 +34,7 @@ public:
     /// The element's value must be set and its row, duration and reporting descriptor final.
     void add(const DataElement& element, std::uint64_t elapsed) {
         if (m_count == m_samples.size()) {
-            m_samples.resize(m_count + m_count / 4 + 16);
+            m_samples.resize(m_count + m_count / 8 + 16);
         }
         const Data& value = *element.m_value;
         PendingSample& sample = m_samples[m_count];
