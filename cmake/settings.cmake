@@ -12,12 +12,6 @@ if(KRCOMMON_SANITIZE)
     add_link_options(-fsanitize=${KRCOMMON_SANITIZE})
 endif()
 
-if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 17)
-    # It cannot evaluate an empty std::string of the system's standard library at compile time. The other compiler
-    # proves that these objects need no code at start; here they may.
-    add_compile_definitions(constinit=)
-endif()
-
 if(WIN32)
     # Windows 10: its thread, clock and network interface calls are used without looking them up.
     add_compile_definitions(_WIN32_WINNT=0x0A00 WINVER=0x0A00)

@@ -2,6 +2,9 @@
 
 namespace pwr {
 
+// Emitted here, because on Windows a user who takes its address asks the library for it.
+constexpr const char* CONSTANTOperationMetadata::c_operation; // NOLINT(readability-redundant-declaration)
+
 OperationMetadata::OperationMetadata() : Metadata(__metadata_data_type::OPERATION) {}
 
 OperationMetadata::OperationMetadata(std::string name, std::string operation, pw_u32_t size,

@@ -29,7 +29,8 @@ std::string brandText() {
     }
     brand = brand.substr(0, brand.find('\0'));
     const std::size_t first = brand.find_first_not_of(' ');
-    return first == std::string::npos ? std::string() : brand.substr(first, brand.find_last_not_of(' ') + 1 - first);
+    return first == std::string::npos ? std::string()
+                                      : brand.substr(first, brand.find_last_not_of(' ') + 1 - first);
 }
 
 } // namespace
@@ -54,7 +55,9 @@ ProcessorIdentity processorIdentity() {
     return identity;
 }
 #else
-ProcessorIdentity processorIdentity() { return {}; }
+ProcessorIdentity processorIdentity() {
+    return {};
+}
 #endif
 
 } // namespace pwr::platform

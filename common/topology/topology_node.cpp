@@ -21,6 +21,9 @@ bool isBelow(const TNode* left, const TNode* right) {
 
 } // namespace
 
+// Emitted here, because on Windows a user who takes its address asks the library for it.
+constexpr pw_u32_t TNodeCore::c_32BitMask; // NOLINT(readability-redundant-declaration)
+
 TNode::~TNode() = default;
 
 std::string TNode::getName() const {
