@@ -84,7 +84,7 @@ std::uint64_t keyOf(std::uint32_t row) {
 class HandWritten {
 public:
     HandWritten(std::uint32_t rows, bool keepsDistinct)
-        : m_slots(4 * std::size_t{rows}, {0, NONE}), m_keepsDistinct(keepsDistinct) {}
+        : m_slots(2 * std::size_t{rows}, {0, NONE}), m_keepsDistinct(keepsDistinct) {}
 
     void take(std::uint64_t key, std::uint64_t timestamp, std::uint64_t value) {
         if (timestamp != m_point) {
@@ -207,8 +207,8 @@ public:
         Row& row = m_rows[key];
         const std::uint64_t duration = timestamp - row.last;
         row.last = timestamp;
-        row.statistics(static_cast<double>(value),
-                       boost::accumulators::weight = static_cast<double>(duration));
+        row.plain(static_cast<double>(value));
+        row.weighted(static_cast<double>(value), boost::accumulators::weight = static_cast<double>(duration));
         Occurrences& occurrences = row.distinct[value];
         ++occurrences.count;
         occurrences.duration += duration;

@@ -35,7 +35,8 @@ std::uint64_t ticksBetween(std::uint64_t earlier, std::uint64_t later) {
 
 /// Where an accepted sample belongs and what has passed since the one before it.
 struct MetricIntake::Admission {
-    std::uint32_t row = RowTable::NONE; // NONE: the combination's first sample
+    RowTable::Row* row = nullptr; // null: the combination's first sample
+    std::uint32_t number = RowTable::NONE;
     std::uint64_t elapsed = 0;
 };
 
@@ -127,9 +128,12 @@ inline std::uint32_t MetricIntake::findRow_i(const DataElement& element) {
 
 inline bool MetricIntake::admit_i(std::uint64_t timestamp, const DataElement& element, std::uint64_t duration,
                                   Admission& admission) {
-    admission.row = element.m_container == m_id ? element.m_row : findRow_i(element);
-    const bool isFirst = admission.row == RowTable::NONE;
-    const std::uint64_t previous = isFirst ? m_metadata.startTSC : m_rows[admission.row].lastTimestamp;
+    admission.number = element.m_container == m_id ? element.m_row : findRow_i(element);
+    const bool isFirst = admission.number == RowTable::NONE;
+    if (!isFirst) {
+        admission.row = &m_rows[admission.number];
+    }
+    const std::uint64_t previous = isFirst ? m_metadata.startTSC : admission.row->lastTimestamp;
     if (timestamp < previous || (timestamp == previous && !isFirst)) {
         warnNotIncreasing_i(timestamp, element, previous);
         return false;
@@ -176,7 +180,7 @@ inline std::uint64_t MetricIntake::decideDuration_i(std::uint64_t timestamp, con
                                                     std::uint64_t duration, const Admission& admission) {
     std::uint64_t limit = admission.elapsed;
     if (m_isResidency) {
-        limit = ticksBetween(m_rows.timesOf(m_rows[admission.row].entityNumber).lastPoint, timestamp);
+        limit = ticksBetween(m_rows.timesOf(admission.row->entityNumber).lastPoint, timestamp);
     }
     if (duration == 0) {
         return limit;
@@ -210,24 +214,23 @@ const DataDescriptor* MetricIntake::reportingDescriptor_i() {
 }
 
 void MetricIntake::enterRow_i(const DataElement& element, Admission& admission) {
-    admission.row = m_rows.add(element.m_entity, element.m_descriptor);
-    m_rows[m_lastRow].next = admission.row;
-    m_lastRow = admission.row;
+    admission.number = m_rows.add(element.m_entity, element.m_descriptor);
+    admission.row = &m_rows[admission.number];
+    m_rows[m_lastRow].next = admission.number;
+    m_lastRow = admission.number;
     if (m_isResidency) {
-        m_rows.timesOf(m_rows[admission.row].entityNumber).lastPoint = m_metadata.startTSC;
+        m_rows.timesOf(admission.row->entityNumber).lastPoint = m_metadata.startTSC;
     }
 }
 
-inline void MetricIntake::append_i(std::uint64_t timestamp, DataElement& element, std::uint64_t duration,
-                                   const Admission& admission) {
-    element.m_duration = duration;
-    element.m_reportingDescriptor =
-        element.m_descriptor != nullptr ? element.m_descriptor : reportingDescriptor_i();
-    element.m_container = m_id;
-    element.m_row = admission.row;
-    m_pending.add(element, admission.elapsed);
-    m_rows[admission.row].lastTimestamp = timestamp;
-    m_currentPoint = timestamp;
+/// A sample of another timestamp than the last one's completes the sampling point before it.
+void MetricIntake::beginPoint_i(std::uint64_t timestamp) {
+    if (m_isEmpty) {
+        m_isEmpty = false;
+        m_point.m_previousTimestamp = m_metadata.startTSC;
+    } else if (m_isSampled) {
+        pushToStream_i();
+    }
     m_point.m_timestamp = timestamp;
 }
 
@@ -236,24 +239,24 @@ int MetricIntake::take(std::uint64_t timestamp, DataElement& element, std::uint6
     if (!hasNeeded_i(timestamp, element) || !admit_i(timestamp, element, duration, admission)) {
         return 1;
     }
-    if (admission.row == RowTable::NONE) {
+    if (admission.row == nullptr) {
         enterRow_i(element, admission);
     }
-    if (m_isEmpty) {
-        m_isEmpty = false;
-        m_currentPoint = timestamp;
-        m_point.m_previousTimestamp = m_metadata.startTSC;
-    }
-    m_latest = timestamp;
-    if (m_isSampled && timestamp != m_currentPoint) {
-        pushToStream_i();
+    if (timestamp != m_point.m_timestamp) {
+        beginPoint_i(timestamp);
     }
     // Behind the push, which sets the entities' last sampling points.
     const std::uint64_t decided = decideDuration_i(timestamp, element, duration, admission);
     if (m_isResidency) {
         warnTooManyTicks_i(timestamp, element, decided);
     }
-    append_i(timestamp, element, decided, admission);
+    element.m_duration = decided;
+    element.m_reportingDescriptor =
+        element.m_descriptor != nullptr ? element.m_descriptor : reportingDescriptor_i();
+    element.m_container = m_id;
+    element.m_row = admission.number;
+    m_pending.add(element, admission.number, decided, admission.elapsed);
+    admission.row->lastTimestamp = timestamp;
     if (!m_isSampled) {
         pushToStream_i();
     }

@@ -37,7 +37,7 @@ public:
     [[nodiscard]] const RowTable& rows() const { return m_rows; }
     [[nodiscard]] const PendingSamples& pending() const { return m_pending; }
     [[nodiscard]] const DataPoint& point() const { return m_point; }
-    [[nodiscard]] std::uint64_t latestTimestamp() const { return m_latest; }
+    [[nodiscard]] std::uint64_t latestTimestamp() const { return m_point.m_timestamp; }
 
     std::vector<std::shared_ptr<Accumulator>> accumulators;
 
@@ -59,8 +59,7 @@ private:
     void warnTooManyTicks_i(std::uint64_t timestamp, const DataElement& element,
                             std::uint64_t duration) const;
     void enterRow_i(const DataElement& element, Admission& admission);
-    void append_i(std::uint64_t timestamp, DataElement& element, std::uint64_t duration,
-                  const Admission& admission);
+    void beginPoint_i(std::uint64_t timestamp);
     bool agreeDurations_i();
     void initializeAccumulators_i();
     void pushToStream_i();
@@ -78,10 +77,8 @@ private:
     bool m_initializationPending = true;
     std::uint32_t m_id;
     std::uint32_t m_lastRow = 0;
-    std::uint32_t m_guessPause = 0;       // samples to go without guessing
-    std::uint32_t m_guessPauseLength = 0; // grows while guesses fail
-    std::uint64_t m_currentPoint = 0;
-    std::uint64_t m_latest = 0;
+    std::uint32_t m_guessPause = 0;                        // samples to go without guessing
+    std::uint32_t m_guessPauseLength = 0;                  // grows while guesses fail
     std::uint64_t m_checks = 0;                            // sampling points whose durations were compared
     const DataDescriptor* m_reportingDescriptor = nullptr; // of elements without one; made when first needed
     RowTable m_rows;

@@ -31,16 +31,16 @@ public:
     PendingSamples(const PendingSamples&) = delete;
     PendingSamples& operator=(const PendingSamples&) = delete;
 
-    /// The element's value must be set and its row, duration and reporting descriptor final.
-    void add(const DataElement& element, std::uint64_t elapsed) {
+    /// The element's value must be set; what the element says of duration and row may be older.
+    void add(const DataElement& element, std::uint32_t row, std::uint64_t duration, std::uint64_t elapsed) {
         if (m_count == m_samples.size()) {
             m_samples.resize(m_count + m_count / 8 + 16);
         }
         const Data& value = *element.m_value;
         PendingSample& sample = m_samples[m_count];
-        sample.duration = element.m_duration;
+        sample.duration = duration;
         sample.elapsed = elapsed;
-        sample.row = element.m_row;
+        sample.row = row;
         sample.type = value.getType();
         const bool isPlain = readBits_i(value, sample.bits);
         if (!isPlain || element.m_info != nullptr || value.hasCustomFormatter()) {

@@ -19,8 +19,8 @@ public:
     static constexpr std::uint32_t NONE = FlatIndex::NONE;
 
     struct Row {
-        const EntityHandle* entity;
-        const DataDescriptor* descriptor; // may be null
+        alignas(32) const EntityHandle* entity; // a row never takes more than one line of memory
+        const DataDescriptor* descriptor;       // may be null
         std::uint64_t lastTimestamp;
         std::uint32_t entityNumber;
         std::uint32_t next; // the row that came after this one last time: the first guess for the next sample

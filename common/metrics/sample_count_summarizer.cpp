@@ -14,7 +14,7 @@ namespace {
 
 /// The intervals between a row's samples, in ticks.
 struct Intervals {
-    std::uint64_t shortest = std::numeric_limits<std::uint64_t>::max();
+    alignas(32) std::uint64_t shortest = std::numeric_limits<std::uint64_t>::max();
     std::uint64_t longest = 0;
     std::uint64_t sum = 0;
     std::uint64_t count = 0;

@@ -218,10 +218,10 @@ std::uint64_t ValueStore::wordOf_i(const PendingSamples& samples, const PendingS
 /// Returns how many samples were taken in: all, unless the distinct values were given up on the way.
 template <class T>
 std::size_t ValueStore::addBuffered_i(const Metric& metric, const PendingSamples& samples) {
-    constexpr std::size_t AHEAD = 12;
     const std::span<const PendingSample> all = samples.samples();
+    const std::size_t fetched = m_rowCount >= MANY_ROWS && all.size() > AHEAD ? all.size() - AHEAD : 0;
     for (std::size_t position = 0; position < all.size(); ++position) {
-        if (position + AHEAD < all.size()) {
+        if (position < fetched) {
             const std::uint32_t row = all[position + AHEAD].row;
             prefetchForWrite(&m_buffers[row][m_waiting[row]]);
         }
@@ -234,9 +234,10 @@ std::size_t ValueStore::addBuffered_i(const Metric& metric, const PendingSamples
         } else {
             std::uint8_t& waiting = m_waiting[sample.row];
             m_buffers[sample.row][waiting] = {wordOf_i<T>(samples, sample), sample.duration};
-            if (++waiting == BUFFER_SIZE) {
-                drain_i<T>(metric, sample.row);
+            if (++waiting != BUFFER_SIZE) {
+                continue;
             }
+            drain_i<T>(metric, sample.row);
         }
         if (!m_keepsDistinct) {
             return position + 1;
@@ -247,7 +248,13 @@ std::size_t ValueStore::addBuffered_i(const Metric& metric, const PendingSamples
 
 template <class T>
 void ValueStore::addDirect_i(const Metric& metric, const PendingSamples& samples, std::size_t from) {
-    for (const PendingSample& sample : samples.samples().subspan(from)) {
+    const std::span<const PendingSample> all = samples.samples();
+    const std::size_t fetched = m_rowCount >= MANY_ROWS && all.size() > AHEAD ? all.size() - AHEAD : 0;
+    for (std::size_t position = from; position < all.size(); ++position) {
+        if (position < fetched) {
+            prefetchForWrite(&m_statistics[all[position + AHEAD].row]);
+        }
+        const PendingSample& sample = all[position];
         if (sample.duration == 0) {
             warnWithoutWeight();
         }

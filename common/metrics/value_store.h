@@ -59,6 +59,9 @@ public:
 private:
     static constexpr std::uint8_t BUFFER_SIZE = 32;
     static constexpr std::uint32_t MAX_PAIRS = 65536;
+    /// With so many rows their memory is fetched ahead, because it does not stay in the caches.
+    static constexpr std::uint32_t MANY_ROWS = 2048;
+    static constexpr std::size_t AHEAD = 12;
 
     struct BufferedSample {
         std::uint64_t bits;
