@@ -118,17 +118,18 @@ void parse(benchmark::State& state) {
 
 } // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined: the compiler would see free() meet a pointer from new and take the pair for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     ++g_allocations;
     if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
     throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept {
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept {
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
