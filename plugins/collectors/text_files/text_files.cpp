@@ -100,7 +100,7 @@ void TextFiles::probeFeature_i(const FeatureRow& feature) {
         capability->setUnavailable(feature.reason, feature.fix);
     }
     if (addCapability(capability.get()) == 0) {
-        capability.release();
+        static_cast<void>(capability.release()); // the plug-in owns it now
     }
 }
 

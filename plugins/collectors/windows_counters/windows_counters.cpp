@@ -75,7 +75,7 @@ int WindowsCounters::initialize() {
             capability->setUnavailable(feature.reason, feature.fix);
         }
         if (addCapability(capability.get()) == 0) {
-            capability.release();
+            static_cast<void>(capability.release()); // the plug-in owns it now
         }
     }
     return 0;

@@ -14,12 +14,12 @@ constexpr double TICKS_PER_MHZ_SECOND = 1000000.0;
 EntityResidency::EntityResidency(const EntityHandle* entity, const std::vector<State>& states,
                                  const MetricDeclaration& metric, float clockMHz, const DataDescriptor* rest,
                                  const DataDescriptor* notBooked)
-    : m_entity(entity), m_booked(states.size()), m_carry(states.size(), rest == nullptr),
-      m_rest(entity, rest), m_notBooked(entity, notBooked), m_hasRest(rest != nullptr),
+    : m_rest(entity, rest), m_notBooked(entity, notBooked), m_entity(entity), m_booked(states.size()),
+      m_carry(states.size(), rest == nullptr), m_hasRest(rest != nullptr),
       m_second(static_cast<std::uint64_t>(static_cast<double>(clockMHz) * TICKS_PER_MHZ_SECOND)) {
     for (const State& state : states) {
-        m_counters.push_back({state.instance, CounterDifference(metric.width),
-                              TicksOfCounter(metric.scale, clockMHz), DataElement(entity, state.descriptor)});
+        m_counters.push_back({DataElement(entity, state.descriptor), state.instance,
+                              CounterDifference(metric.width), TicksOfCounter(metric.scale, clockMHz)});
     }
 }
 

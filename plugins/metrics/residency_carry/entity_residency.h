@@ -50,10 +50,10 @@ public:
 
 private:
     struct Counter {
+        DataElement element;
         std::size_t instance;
         CounterDifference difference;
         TicksOfCounter ticks;
-        DataElement element;
         std::uint64_t first = 0; // of this line of readings
     };
     /// An interval of a line of readings that ended while other entities still hold theirs.
@@ -73,13 +73,13 @@ private:
     static void setData_i(DataElement& element, std::uint64_t ticks, const ResidencyCarry::Interval& interval,
                           MetricContainer& container);
 
+    DataElement m_rest;
+    DataElement m_notBooked;
     const EntityHandle* m_entity;
     std::vector<Counter> m_counters;
     std::vector<std::uint64_t> m_booked; // ticks per state in the reading at hand
     ResidencyCarry m_carry;
     std::deque<Finished> m_finished;
-    DataElement m_rest;
-    DataElement m_notBooked;
     bool m_hasRest;
     std::uint64_t m_second; // ticks
     std::uint64_t m_gaps = 0;
