@@ -4,9 +4,12 @@
 #include "common/model/entity_handle.h"
 #include "common/writer/table_columns.h"
 #include "common/writer/table_message.h"
+#include "common/writer/writer_census.h"
 
 #include <iterator>
 #include <utility>
+
+pwr::WriterCensus pwr::g_writerCensus;
 
 namespace {
 
@@ -19,9 +22,15 @@ constexpr std::pair<const char*, pwr::TableClass> g_tableClassGroups[] = {
 
 } // namespace
 
-WriterPlugin::WriterPlugin(const std::string& name) : Plugin(name) {}
+WriterPlugin::WriterPlugin(const std::string& name) : Plugin(name) {
+    ++pwr::g_writerCensus.living;
+    ++pwr::g_writerCensus.changes;
+}
 
-WriterPlugin::~WriterPlugin() = default;
+WriterPlugin::~WriterPlugin() {
+    --pwr::g_writerCensus.living;
+    ++pwr::g_writerCensus.changes;
+}
 
 int WriterPlugin::addCapability(PluginCapability* capability) {
     if (Plugin::addCapability(capability) != 0) {

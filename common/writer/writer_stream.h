@@ -3,8 +3,10 @@
 #include "common/export.h"
 #include "common/writer/table_class.h"
 
+#include <cstdint>
 #include <set>
 #include <string>
+#include <vector>
 
 class WriterPlugin;
 
@@ -46,10 +48,25 @@ private:
     explicit WriterStream(const std::set<WriterPlugin*>* plugins);
     ~WriterStream();
 
-    template <class Message> void deliver_i(Message* message) const;
+    /// Counts the deliveries that are under way, also when a plug-in throws.
+    struct CallCount {
+        explicit CallCount(std::uint32_t& calls) : m_count(calls) { ++m_count; }
+        ~CallCount() { --m_count; }
+        CallCount(const CallCount&) = delete;
+        CallCount& operator=(const CallCount&) = delete;
+        std::uint32_t& m_count;
+    };
+
+    bool renewArray_i();
+    template <class Operation> void forEach_i(Operation operation);
+    template <class Message> void deliver_i(const Message* message);
+    int pushByKind_i(pwr::WriterMessage& message);
     int pushTable_i(pwr::TableMessage* table);
     int flush();
 
     const std::set<WriterPlugin*>* m_plugins;
     std::set<pwr::TableClass> m_tableClasses;
+    std::vector<WriterPlugin*> m_array; ///< the set's plug-ins, as long as the set cannot have changed
+    std::uint64_t m_arrayChanges = 0;   ///< the census of writers that the array was made under; 0: none
+    std::uint32_t m_calls = 0;          ///< deliveries under way
 };
