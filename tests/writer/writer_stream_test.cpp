@@ -117,6 +117,39 @@ TEST(WriterStream, metricGoesToAllAlthoughOneRefuses) {
     WriterStreamHost::destroy(stream);
 }
 
+TEST(WriterStream, servesTheSetAsItIsAtEveryPush) {
+    alignas(16) const unsigned char place[16] = {};
+    const auto* metric = reinterpret_cast<const pwr::Metric*>(place);
+    RefusingWriter writers[4];
+    std::set<WriterPlugin*> plugins{&writers[0], &writers[1], &writers[2]};
+    WriterStream* const stream = WriterStreamHost::create(plugins);
+    const auto counts = [&] {
+        stream->pushMessage(metric);
+        std::string text;
+        for (const RefusingWriter& writer : writers) {
+            text += std::to_string(writer.metrics);
+        }
+        return text;
+    };
+    EXPECT_EQ("1110", counts());
+    plugins.erase(&writers[1]); // as many as before, the same first one
+    plugins.insert(&writers[3]);
+    EXPECT_EQ("2121", counts());
+    plugins.insert(&writers[1]); // now every living writer is in the set
+    EXPECT_EQ("3232", counts());
+    EXPECT_EQ("4343", counts());
+    {
+        RefusingWriter late;
+        plugins.insert(&late);
+        EXPECT_EQ("5454", counts());
+        EXPECT_EQ(1, late.metrics);
+        plugins.erase(&late);
+    }
+    plugins.erase(&writers[0]);
+    EXPECT_EQ("5565", counts());
+    WriterStreamHost::destroy(stream);
+}
+
 TEST(WriterStream, textGoesThroughTheEnvironmentsStream) {
     std::set<WriterPlugin*> none;
     WriterStream* const other = WriterStreamHost::create(none);
