@@ -133,7 +133,16 @@ SummaryCell SampledDeltaAccumulator::Impl::rateOf(const Metric& metric, const Su
 }
 
 std::vector<SummaryRow> SampledDeltaAccumulator::Impl::collectRows(const Metric& metric) const {
-    return SummaryTable::containerRows(metric, [this](std::uint32_t row) { return hasRow(row); });
+    std::vector<SummaryRow> shown =
+        SummaryTable::containerRows(metric, [this](std::uint32_t row) { return hasRow(row); });
+    std::erase_if(shown, [](const SummaryRow& row) {
+        if (SummaryTable::isResolvable(row)) {
+            return false;
+        }
+        logWarning("WARNING: MetricType::SampledDelta: Descriptor is not valid\n");
+        return true;
+    });
+    return shown;
 }
 
 int SampledDeltaAccumulator::Impl::emit(Metric& metric, std::uint32_t number) {

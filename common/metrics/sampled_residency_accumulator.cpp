@@ -66,10 +66,11 @@ std::vector<SummaryRow> SampledResidencyAccumulator::Impl::collectRows(const Met
     std::vector<SummaryRow> rows =
         SummaryTable::containerRows(metric, [this](std::uint32_t row) { return hasRow(row); });
     std::erase_if(rows, [](const SummaryRow& row) {
-        if (row.descriptor == nullptr) {
-            logWarning("WARNING: MetricType::SampledResidency: Descriptor is not valid\n");
+        if (row.descriptor != nullptr && SummaryTable::isResolvable(row)) {
+            return false;
         }
-        return row.descriptor == nullptr;
+        logWarning("WARNING: MetricType::SampledResidency: Descriptor is not valid\n");
+        return true;
     });
     return rows;
 }

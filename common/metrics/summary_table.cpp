@@ -72,6 +72,12 @@ std::vector<SummaryRow> SummaryTable::containerRows(const Metric& metric,
     return rows;
 }
 
+bool SummaryTable::isResolvable(const SummaryRow& row) {
+    const DataHandle* found = nullptr;
+    return row.descriptor == nullptr ||
+           (DataHandle::get(row.descriptor->getId(), found) == 0 && found == row.descriptor);
+}
+
 void SummaryTable::makeHandle_i(SummaryRow& row) {
     if (row.handle != nullptr) {
         return;
@@ -182,6 +188,7 @@ std::vector<SummaryTable::ColumnOwner> SummaryTable::columnOwners_i(
         entry->second = std::min(entry->second, row.columnOrder);
     }
     std::vector<ColumnOwner> owners;
+    owners.reserve(orders.size());
     for (const auto& [owner, order] : orders) {
         owners.push_back({owner.first, owner.second, order});
     }

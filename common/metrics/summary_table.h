@@ -74,6 +74,8 @@ public:
     /// The container's rows that the accumulator wants to show, in table order.
     static std::vector<SummaryRow> containerRows(const Metric& metric,
                                                  const std::function<bool(std::uint32_t row)>& isShown);
+    /// Whether the row's descriptor, if it has one, is still the one that its id stands for.
+    static bool isResolvable(const SummaryRow& row);
     /// "core 0/C6", for messages.
     static std::string nameOf(const SummaryRow& row);
 

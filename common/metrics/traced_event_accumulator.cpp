@@ -92,6 +92,7 @@ std::vector<NameCount> TracedEventAccumulator::Impl::namesOf(std::uint32_t row) 
         counts[name] += entry.samples;
     });
     std::vector<NameCount> names;
+    names.reserve(counts.size());
     for (const auto& [name, samples] : counts) {
         names.push_back({name, samples});
     }

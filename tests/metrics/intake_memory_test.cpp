@@ -12,7 +12,10 @@ template <class T> struct UncountedAllocator {
     using value_type = T;
     UncountedAllocator() = default;
     template <class U> UncountedAllocator(const UncountedAllocator<U>&) {}
-    T* allocate(std::size_t count) { return static_cast<T*>(std::malloc(count * sizeof(T))); }
+    T* allocate(std::size_t count) {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): the map's buckets are pointers
+        return static_cast<T*>(std::malloc(count * sizeof(T)));
+    }
     void deallocate(T* memory, std::size_t) { std::free(memory); }
     bool operator==(const UncountedAllocator&) const { return true; }
 };
