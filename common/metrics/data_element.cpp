@@ -4,28 +4,14 @@
 
 namespace pwr {
 
-int DataElement::setEntity(const EntityHandle* entity) {
-    if (entity == nullptr) {
-        logWarning("WARNING: Please provide a valid entity.\n");
-        return 1;
-    }
-    if (entity != m_entity) {
-        m_entity = entity;
-        m_container = NO_CONTAINER;
-    }
-    return 0;
+int DataElement::refuseEntity_i() {
+    logWarning("WARNING: Please provide a valid entity.\n");
+    return 1;
 }
 
-int DataElement::setDescriptor(const DataDescriptor* descriptor) {
-    if (descriptor == nullptr) {
-        logWarning("WARNING: Please provide a valid descriptor.\n");
-        return 1;
-    }
-    if (descriptor != m_descriptor) {
-        m_descriptor = descriptor;
-        m_container = NO_CONTAINER;
-    }
-    return 0;
+int DataElement::refuseDescriptor_i() {
+    logWarning("WARNING: Please provide a valid descriptor.\n");
+    return 1;
 }
 
 int DataElement::setAdditionalInfo(const DynamicAttributeValueManager* info) {

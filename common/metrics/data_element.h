@@ -24,8 +24,26 @@ public:
     DataElement(const EntityHandle* entity, const DataDescriptor* descriptor)
         : m_entity(entity), m_descriptor(descriptor) {}
 
-    int setEntity(const EntityHandle* entity);
-    int setDescriptor(const DataDescriptor* descriptor);
+    int setEntity(const EntityHandle* entity) {
+        if (entity == nullptr) {
+            return refuseEntity_i();
+        }
+        if (entity != m_entity) {
+            m_entity = entity;
+            m_container = NO_CONTAINER;
+        }
+        return 0;
+    }
+    int setDescriptor(const DataDescriptor* descriptor) {
+        if (descriptor == nullptr) {
+            return refuseDescriptor_i();
+        }
+        if (descriptor != m_descriptor) {
+            m_descriptor = descriptor;
+            m_container = NO_CONTAINER;
+        }
+        return 0;
+    }
     int setAdditionalInfo(const DynamicAttributeValueManager* info);
 
     /// Replaces the value, whatever type the old one had. A value that is unset or invalid is refused (1) and
@@ -52,6 +70,9 @@ public:
 private:
     friend class MetricIntake;
     friend class PendingSamples;
+
+    static int refuseEntity_i();
+    static int refuseDescriptor_i();
 
     static constexpr std::uint32_t NO_CONTAINER = 0xFFFFFFFF;
 
