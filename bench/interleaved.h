@@ -62,7 +62,7 @@ private:
 /// What the calling thread has cost so far. Unlike the time of day it stands still while other programs have the
 /// processor, so that ratios hold on a busy machine; it also leaves out what a thread sleeps or hands to others.
 inline Nanoseconds threadTime() {
-    std::timespec time{};
+    timespec time{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }

@@ -38,7 +38,7 @@ public:
     DataDescriptorBuilder& setValue(const Data& value);
 
     /// Registers a new descriptor, which lives for the process.
-    [[nodiscard]] const DataDescriptor* build() const;
+    const DataDescriptor* build() const;
 
 private:
     std::string m_name;
