@@ -157,6 +157,7 @@ TEST_F(TableMessageTest, filledCellsAreListedInOrderUntilReset) {
 TEST_F(TableMessageTest, rowsAreFoundInAnyOrderOfAddingAndAsking) {
     TableMessage wide("wide", nullptr);
     std::vector<const EntityHandle*> entities;
+    entities.reserve(100);
     for (int i = 0; i < 100; ++i) {
         entities.push_back(EntityHandle::create("e", nullptr));
     }

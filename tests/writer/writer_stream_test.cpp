@@ -169,7 +169,7 @@ TEST(WriterStream, tableClassesComeFromCapabilitiesAndHost) {
     capability->addGroup("table-class:trace");
     capability->addGroup("something else");
     ASSERT_EQ(0, writer.addCapability(capability.get()));
-    capability.release();
+    static_cast<void>(capability.release());
     EXPECT_EQ(1, writer.addCapability(nullptr));
     EXPECT_EQ(std::set<pwr::TableClass>{pwr::TableClass::TRACE}, writer.getTableClasses());
 

@@ -27,14 +27,14 @@ public:
         capability->addGroup("table-class:summary");
         capability->addGroup("table-class:static-info");
         if (addCapability(capability.get()) == 0) {
-            capability.release(); // the base owns it now
+            static_cast<void>(capability.release()); // the base owns it now
         }
     }
 
     const char* getDescription() const override { return "writes each result table to a CSV file"; }
 
     int flushResults() override {
-        const std::string prefix = g_pluginEnvironment->getResultFilePrefix();
+        const std::string& prefix = g_pluginEnvironment->getResultFilePrefix();
         int result = 0;
         for (const auto& [name, text] : m_files) {
             std::string error;

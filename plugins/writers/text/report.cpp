@@ -189,6 +189,7 @@ std::vector<const Report::Entry*> Report::orderedTables_i() const {
         return std::make_pair(a.feature, a.container) < std::make_pair(b.feature, b.container);
     });
     std::vector<const Entry*> ordered;
+    ordered.reserve(places.size());
     for (const Place& place : places) {
         ordered.push_back(place.entry);
     }

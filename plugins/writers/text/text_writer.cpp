@@ -26,7 +26,7 @@ public:
         capability->addGroup("table-class:summary");
         capability->addGroup("table-class:static-info");
         if (addCapability(capability.get()) == 0) {
-            capability.release(); // the base owns it now
+            static_cast<void>(capability.release()); // the base owns it now
         }
     }
 
@@ -94,7 +94,7 @@ private:
     }
 
     int writeFile_i() const {
-        const std::string prefix = g_pluginEnvironment->getResultFilePrefix();
+        const std::string& prefix = g_pluginEnvironment->getResultFilePrefix();
         if (prefix.empty()) {
             return 0;
         }
