@@ -33,8 +33,9 @@ public:
     /// Reads raw bytes: `size`, or 0 when fewer are there; nothing is read then.
     std::size_t read_from(void* target, std::size_t size);
 
-    /// Appends numbers, texts, pairs, sequences or ordered maps, one behind the other. Enumerations go
-    /// as their numbers. One call for several fields makes room once and is faster than one for each.
+    /// Appends numbers, texts, pairs, sequences or ordered maps, one behind the other. Enumerations are
+    /// converted by the caller, who checks the number when it is read back. One call for several fields
+    /// makes room once and is faster than one for each.
     template <stream::Storable T> void write(const T& value) { put_i(value); }
     template <stream::Storable First, stream::Storable Second, stream::Storable... Rest>
     void write(const First& first, const Second& second, const Rest&... rest) {
@@ -99,7 +100,7 @@ private:
     }
     template <class... T> void put_i(const T&... values) {
         const std::size_t size = (stream::encodedSize(values) + ...);
-        if (space_avail_i() < size) {
+        if (space_avail_i() < size) [[unlikely]] {
             grow_i(size);
         }
         char* position = m_buffer.data() + m_written;
