@@ -1,5 +1,16 @@
 #include "common/plugin/collector_plugin.h"
 
+#include "common/plugin/logger.h"
+
+namespace {
+
+int refuse(const Plugin& collector, const char* what) {
+    pwr::logWarning("WARNING: collector %s offers no immediate %s!\n", collector.getName().c_str(), what);
+    return -1;
+}
+
+} // namespace
+
 CollectorPlugin::CollectorPlugin(const std::string& name) : Plugin(name) {}
 
 CollectorPlugin::~CollectorPlugin() = default;
@@ -17,4 +28,21 @@ void CollectorPlugin::close(const pwr::MsgMetadata& /*message*/) {}
 
 pwr::TWClockSource* CollectorPlugin::getClockSource() const {
     return nullptr;
+}
+
+int CollectorPlugin::doImmediateRead(pwr::Operation* /*operation*/, const std::string& /*argument*/) {
+    return refuse(*this, "read");
+}
+
+int CollectorPlugin::doImmediateWrite(pwr::Operation* /*operation*/, const std::string& /*argument*/) {
+    return refuse(*this, "write");
+}
+
+int CollectorPlugin::doImmediateRead(const pwr::InputMsg* /*message*/,
+                                     const std::vector<std::pair<std::string, std::string>>& /*values*/) {
+    return refuse(*this, "read");
+}
+
+int CollectorPlugin::doImmediateWrite(const pwr::InputMsg* /*message*/) {
+    return refuse(*this, "write");
 }

@@ -7,11 +7,14 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace pwr {
+class InputMsg;
 class Metadata;
 class MsgMetadata;
+class Operation;
 class TWClockSource;
 } // namespace pwr
 
@@ -48,4 +51,13 @@ public:
 
     /// The clock that stamps the samples; null means the default clock. Not owned by the caller.
     virtual pwr::TWClockSource* getClockSource() const;
+
+    /// Work at once, outside a collection: one operation with its argument, or a whole message, whose
+    /// placeholders the pairs of name and value fill. The base warns and gives -1. Overriding one of two
+    /// forms hides the other: bring it back with a using-declaration.
+    virtual int doImmediateRead(pwr::Operation* operation, const std::string& argument);
+    virtual int doImmediateWrite(pwr::Operation* operation, const std::string& argument);
+    virtual int doImmediateRead(const pwr::InputMsg* message,
+                                const std::vector<std::pair<std::string, std::string>>& values);
+    virtual int doImmediateWrite(const pwr::InputMsg* message);
 };

@@ -1,4 +1,5 @@
 #include "common/plugin/collection_data.h"
+#include "common/plugin/collector_plugin.h"
 #include "common/plugin/plugin.h"
 #include "common/pw_utils.h"
 #include "tests/support/log_capture.h"
@@ -26,6 +27,29 @@ TEST(Plugin, takesEachCapabilityOnce) {
     EXPECT_EQ(1, plugin.addCapability(nullptr));
     EXPECT_THAT(plugin.getCapabilities(), testing::ElementsAre(taken));
     EXPECT_EQ(1, plugin.setOption("unknown", "value"));
+}
+
+class PlainCollector : public CollectorPlugin {
+public:
+    PlainCollector() : CollectorPlugin("plain") {}
+    const char* getDescription() const override { return "a collector of nothing"; }
+    std::vector<std::string> getCollectorTypes() const override { return {}; }
+    int open(const MsgMetadata& /*message*/, MessageInstances& /*out*/) override { return 0; }
+    int read(const MsgMetadata& /*message*/, CollectionData& /*out*/) override { return 0; }
+};
+
+TEST(CollectorPlugin, refusesImmediateWork) {
+    LogCapture log;
+    PlainCollector collector;
+    Operation* const operation = nullptr;
+    const InputMsg* const message = nullptr;
+    EXPECT_EQ(-1, collector.doImmediateRead(operation, "argument"));
+    EXPECT_EQ(-1, collector.doImmediateRead(message, {{"name", "value"}}));
+    const std::string read = "WARNING: collector plain offers no immediate read!\n";
+    EXPECT_EQ(read + read, log.take());
+    EXPECT_EQ(-1, collector.doImmediateWrite(operation, "argument"));
+    EXPECT_EQ(-1, collector.doImmediateWrite(message));
+    EXPECT_THAT(log.take(), testing::HasSubstr("immediate write"));
 }
 
 TEST(PluginRequirement, saysWhatIsMissing) {
