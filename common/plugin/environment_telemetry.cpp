@@ -12,9 +12,10 @@ template <typename Map, typename Key> typename Map::mapped_type valueOf(const Ma
 
 void PluginEnvironment::addLoadedTAF(const _tw_aggregator_info& info) {
     Registries& registries = registries_i();
-    registries.endpointsByGUID[info.guid].push_back(info);
-    registries.loadedGUIDs.insert(info.guid);
-    registries.guidByEndpointId[info.endpoint_id] = info.guid;
+    const pw_u32_t guid = info.guid; // a copy: in the packed record it may not be aligned for a reference
+    registries.endpointsByGUID[guid].push_back(info);
+    registries.loadedGUIDs.insert(guid);
+    registries.guidByEndpointId[info.endpoint_id] = guid;
     registries.endpointById[info.endpoint_id] = info;
 }
 

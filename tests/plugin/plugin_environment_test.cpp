@@ -184,9 +184,12 @@ TEST(PluginEnvironment, deviceResets) {
 
 TEST(PluginEnvironment, loadedEndpoints) {
     PluginEnvironment environment;
-    environment.addLoadedTAF(endpoint(0xA, 1, 3));
-    environment.addLoadedTAF(endpoint(0xA, 2, 4));
-    environment.addLoadedTAF(endpoint(0xB, 1, 5)); // takes over endpoint 1
+    // As the driver hands them over: of 22 bytes, so that every second one is aligned for 2 bytes only.
+    const _tw_aggregator_info loaded[] = {endpoint(0xA, 1, 3), endpoint(0xA, 2, 4),
+                                          endpoint(0xB, 1, 5)}; // the last takes over endpoint 1
+    for (const _tw_aggregator_info& info : loaded) {
+        environment.addLoadedTAF(info);
+    }
     EXPECT_THAT(environment.getLoadedTAFGUIDs(), ElementsAre(0xAU, 0xBU));
     EXPECT_EQ(2U, environment.getLoadedTAFEndpoints(0xA).size());
     EXPECT_THAT(environment.getLoadedTAFEndpoints(0xC), IsEmpty());
