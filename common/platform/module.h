@@ -14,8 +14,8 @@ KRCOMMON_API std::string modulePath(const void* codeAddress, std::string& error)
 /// the system has such a list. Both come without a separator at the end.
 KRCOMMON_API void addModuleSearchFolders(const std::string& libraryFolder, const std::string& pluginFolder);
 
-/// Loads a module by its full path, for the life of the process: there is no unloading. Null with the
-/// system's words in `error` when that fails.
+/// Loads a module for the life of the process: there is no unloading. A relative path counts from the
+/// current folder and never makes the system search. Null with the system's words in `error` on failure.
 KRCOMMON_API void* loadModule(const std::string& path, std::string& error);
 
 /// The address of a symbol that a module exports; null when it does not.

@@ -21,17 +21,22 @@ std::string textOrNone(const char* text) {
     return text == nullptr ? "unknown" : text;
 }
 
-/// Runs code of a plug-in. What it throws ends here, as the words in `error`: "throws in create(): why".
+/// Runs code of a plug-in that gives 0 on success. What else it gives, or throws, ends here as the words in
+/// `error`: "initialize() failed with 7", "throws in create(): why". Whether there is none.
 template <typename Call> bool callGuarded(const char* what, std::string& error, Call&& call) {
-    const std::string lead = std::string("throws in ") + what + "()";
+    const std::string name = std::string(what) + "()";
     try {
-        return call();
+        const int result = call();
+        if (result == 0) {
+            return true;
+        }
+        error = name + " failed with " + std::to_string(result);
     } catch (const std::exception& exception) {
-        error = lead + ": " + exception.what();
+        error = "throws in " + name + ": " + exception.what();
     } catch (const char* text) {
-        error = lead + ": " + textOrNone(text);
+        error = "throws in " + name + ": " + textOrNone(text);
     } catch (...) {
-        error = lead;
+        error = "throws in " + name;
     }
     return false;
 }
@@ -76,11 +81,11 @@ const KRPluginInfo* manifestOf(const std::string& path, std::string& error) {
         return nullptr;
     }
     const KRPluginInfo* info = nullptr;
-    callGuarded(SYMBOL, error, [&] {
+    const bool returned = callGuarded(SYMBOL, error, [&] {
         info = function();
-        return true;
+        return 0;
     });
-    if (info == nullptr && error.empty()) {
+    if (returned && info == nullptr) {
         error = "it has no manifest";
     }
     return info;
@@ -147,7 +152,7 @@ bool PluginLoader::load_i(PluginFile& file) const {
     file.kind = info->kind;
     if (!callGuarded("create", file.error, [&] {
             file.plugin.reset(info->create());
-            return true;
+            return 0;
         })) {
         return false;
     }
@@ -155,29 +160,22 @@ bool PluginLoader::load_i(PluginFile& file) const {
         file.error = "create() made no object";
         return false;
     }
-    int result = 0;
-    const bool returned = callGuarded("initialize", file.error, [&] {
-        for (const auto& [key, value] : m_options) {
-            file.plugin->setOption(key, value);
-        }
-        result = file.plugin->initialize();
-        return true;
-    });
-    if (returned && result != 0) {
-        file.error = "initialize() failed with " + std::to_string(result);
-    }
-    return file.error.empty();
+    return callGuarded("setOption", file.error,
+                       [&] {
+                           for (const auto& [key, value] : m_options) {
+                               file.plugin->setOption(key, value); // an option is for those that know it
+                           }
+                           return 0;
+                       }) &&
+           callGuarded("initialize", file.error, [&] { return file.plugin->initialize(); });
 }
 
 void PluginLoader::unload() {
     while (!m_files.empty()) {
         PluginFile& file = m_files.back();
         std::string error;
-        if (file.plugin && !callGuarded("shutdown", error, [&] {
-                file.plugin->shutdown();
-                return true;
-            })) {
-            logWarning("WARNING: plug-in %s %s\n", file.name.c_str(), error.c_str());
+        if (file.plugin && !callGuarded("shutdown", error, [&] { return file.plugin->shutdown(); })) {
+            logWarning("WARNING: plug-in %s: %s\n", file.name.c_str(), error.c_str());
         }
         m_files.pop_back();
     }

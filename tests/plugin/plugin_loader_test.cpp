@@ -1,9 +1,13 @@
+#include "common/platform/file.h"
 #include "common/plugin/collector_plugin.h"
 #include "common/plugin/metric_plugin.h"
 #include "common/plugin/plugin_environment.h"
 #include "common/plugin/plugin_loader.h"
+#include "common/pw_utils.h"
+#include "tests/support/log_capture.h"
 
 #include <deque>
+#include <filesystem>
 #include <gmock/gmock.h>
 
 namespace pwr {
@@ -51,8 +55,10 @@ TEST_F(PluginLoaderTest, eachFileIsAPluginOrAReason) {
 }
 
 TEST_F(PluginLoaderTest, endsInReverseOrder) {
+    LogCapture log;
     PluginLoader loader;
     loader.loadFolder(folder());
+    loader.setOption("good", "fail at the end");
     loader.loadFile(loader.getFiles()[0].path); // a second object of the same module
     std::deque<std::string>& events = g_pluginEnvironment->getQueuedMessages();
     events.clear();
@@ -60,6 +66,17 @@ TEST_F(PluginLoaderTest, endsInReverseOrder) {
     EXPECT_THAT(events,
                 testing::ElementsAre("good shut down", "good destroyed", "good shut down", "good destroyed"));
     EXPECT_TRUE(loader.getFiles().empty());
+    EXPECT_EQ("WARNING: plug-in good: shutdown() failed with 5\n", log.text());
+}
+
+TEST_F(PluginLoaderTest, bareNameIsAFileOfTheCurrentFolder) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    PluginLoader loader;
+    loader.loadFolder(folder());
+    const std::string name = PathOps::getFilenameFromPath(loader.getFiles()[0].path);
+    std::filesystem::current_path(platform::nativePath(folder()));
+    EXPECT_EQ(0, loader.loadFile(name));
+    std::filesystem::current_path(before);
 }
 
 TEST_F(PluginLoaderTest, refusedPluginIsDestroyedButNotShutDown) {

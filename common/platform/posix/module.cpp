@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <filesystem>
 #include <memory>
 #include <system_error>
 
@@ -37,7 +38,13 @@ void addModuleSearchFolders(const std::string& /*libraryFolder*/, const std::str
 }
 
 void* loadModule(const std::string& path, std::string& error) {
-    void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    std::error_code failure; // leaves an empty path, which would name the program itself
+    const std::filesystem::path full = std::filesystem::absolute(path, failure);
+    if (full.empty()) {
+        error = failure.message();
+        return nullptr;
+    }
+    void* const module = dlopen(full.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (module == nullptr) {
         error = loaderErrorText();
     }

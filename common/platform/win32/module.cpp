@@ -1,4 +1,5 @@
 #include "common/platform/module.h"
+#include "common/platform/file.h"
 #include "common/platform/win32/wide_text.h"
 
 namespace pwr::platform {
@@ -35,13 +36,9 @@ void* loadModule(const std::string& path, std::string& error) {
     // With these flags the folder of the module itself and those of addModuleSearchFolders() are searched
     // for what the module needs, and not the current folder of the process.
     constexpr DWORD flags = LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
-    std::string native = path;
-    for (char& character : native) {
-        if (character == '/') {
-            character = '\\';
-        }
-    }
-    const HMODULE module = LoadLibraryExW(wideText(native).c_str(), nullptr, flags);
+    std::error_code failure; // leaves an empty path, which cannot be loaded
+    const std::filesystem::path full = std::filesystem::absolute(nativePath(path), failure).make_preferred();
+    const HMODULE module = LoadLibraryExW(full.c_str(), nullptr, flags);
     if (module == nullptr) {
         error = errorText(GetLastError());
     }

@@ -19,6 +19,10 @@ public:
     }
     int shutdown() override {
         tell("shut down");
+        return m_shutdownResult;
+    }
+    int setOption(const std::string& key, const std::string& /*value*/) override {
+        m_shutdownResult = key == getName() ? 5 : 0;
         return 0;
     }
     const char* getDescription() const override { return "for tests"; }
@@ -30,4 +34,7 @@ protected:
     void tell(const std::string& event) const {
         g_pluginEnvironment->queueMessage((getName() + " " + event).c_str());
     }
+
+private:
+    int m_shutdownResult = 0;
 };
