@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "common/machine_bundle_node.h"
+#include "common/platform/file.h"
 #include "common/tw_clock.h"
 
 namespace pwr {
@@ -64,7 +65,7 @@ MachineBundle::MachineBundle() : m_root(std::make_unique<Node>()) {}
 MachineBundle::~MachineBundle() = default;
 
 std::unique_ptr<MachineBundle> MachineBundle::load(const std::string& file, std::string& reason) {
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(platform::nativePath(file), std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
     if (!stream) {
         reason = file + ": cannot be read";

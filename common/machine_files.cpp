@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "common/machine_bundle.h"
+#include "common/platform/file.h"
 #include "common/platform/raw_file.h"
 
 namespace pwr {
@@ -145,7 +146,7 @@ public:
 
     bool exists(const std::string& path) const override {
         std::error_code error;
-        return std::filesystem::symlink_status(m_root + path, error).type() !=
+        return std::filesystem::symlink_status(platform::nativePath(m_root + path), error).type() !=
                    std::filesystem::file_type::not_found &&
                !error;
     }
@@ -188,7 +189,7 @@ bool MachineFiles::nextMoment(std::uint64_t after, std::uint64_t& moment) const 
 
 std::unique_ptr<MachineFiles> openMachine(const std::string& where, std::string& reason) {
     std::error_code error;
-    const auto type = std::filesystem::status(where, error).type();
+    const auto type = std::filesystem::status(platform::nativePath(where), error).type();
     if (type == std::filesystem::file_type::directory) {
         return std::make_unique<RootMachine>(where);
     }

@@ -1,5 +1,6 @@
 #include "common/result_file.h"
 
+#include "common/platform/file.h"
 #include "common/pw_utils.h"
 
 #include <cerrno>
@@ -8,9 +9,22 @@
 
 namespace pwr {
 
-ResultFile::ResultFile(const std::string& path) : m_path(path), m_partPath(path + ".part") {
+namespace {
+
+bool isReplaceable(const std::string& path) {
+    std::error_code failure;
+    const auto type = std::filesystem::status(platform::nativePath(path), failure).type();
+    return type != std::filesystem::file_type::character && type != std::filesystem::file_type::block &&
+           type != std::filesystem::file_type::fifo;
+}
+
+} // namespace
+
+ResultFile::ResultFile(const std::string& path)
+    : m_path(path), m_partPath(isReplaceable(path) ? path + ".part" : "") {
     errno = 0;
-    m_file.open(std::filesystem::path(m_partPath), std::ios::binary | std::ios::trunc);
+    m_file.open(platform::nativePath(m_partPath.empty() ? m_path : m_partPath),
+                std::ios::binary | std::ios::trunc);
     noteFailure_i();
     if (!m_file.is_open()) {
         m_partPath.clear(); // what stands there is not ours to remove
@@ -33,12 +47,8 @@ int ResultFile::commit(std::string& error) {
         m_file.close(); // what is still buffered is written here, so a full disk may only show now
         noteFailure_i();
     }
-    if (m_error.empty()) {
-        std::error_code failure;
-        std::filesystem::rename(m_partPath, m_path, failure);
-        if (failure) {
-            m_error = failure.message();
-        }
+    if (m_error.empty() && !m_partPath.empty() && !platform::renameReplacing(m_partPath, m_path)) {
+        m_error = pw_strerror(errno);
     }
     if (!m_error.empty()) {
         error = m_path + ": " + m_error;
@@ -68,7 +78,7 @@ void ResultFile::discard_i() {
     }
     m_file.close();
     std::error_code ignored;
-    std::filesystem::remove(m_partPath, ignored);
+    std::filesystem::remove(platform::nativePath(m_partPath), ignored);
     m_partPath.clear();
 }
 

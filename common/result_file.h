@@ -10,6 +10,7 @@ namespace pwr {
 
 /// A result file that appears whole or not at all: it is written beside its final name (with ".part" behind it)
 /// and renamed when all of it has reached the file system. An earlier file of the name stays until then.
+/// A device or a pipe ("/dev/stdout") cannot be replaced: it is written at once, and never removed.
 /// Bytes are written as they are: line ends are the same on every system.
 /// Failure:  the first error is kept and commit() tells it; nothing throws. A file that was not committed is removed.
 class KRCOMMON_API ResultFile {
@@ -35,7 +36,7 @@ private:
     void discard_i();
 
     std::string m_path;
-    std::string m_partPath;
+    std::string m_partPath; ///< "" when there is nothing to rename or to remove
     std::string m_error;
     std::ofstream m_file;
 };

@@ -2,6 +2,7 @@
 #include "common/platform/clock.h"
 #include "common/platform/file.h"
 #include "common/pw_utils.h"
+#include "common/result_file.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -96,6 +97,33 @@ TEST_F(FileTest, foldersAndFiles) {
     LineReader::get_all_lines(file.c_str(), lines);
     EXPECT_THAT(lines, ElementsAre("22"));
     EXPECT_FALSE(pw_fileExists(newer) || platform::renameReplacing(newer, file));
+}
+
+TEST_F(FileTest, resultsAppearWhole) {
+    const std::string result = make("result", "old");
+    std::string error;
+    {
+        ResultFile dropped(result);
+        dropped.write("new");
+        EXPECT_EQ("", dropped.getError());
+    }
+    EXPECT_EQ(std::vector<std::string>{result}, doGlob(path("*")));
+    EXPECT_EQ(0, ResultFile::writeWhole(result, "new", error));
+    std::vector<std::string> lines;
+    LineReader::get_all_lines(result.c_str(), lines);
+    EXPECT_THAT(lines, ElementsAre("new"));
+    mkpath(path("folder"));
+    EXPECT_EQ(1, ResultFile::writeWhole(path("folder"), "new", error));
+    EXPECT_THAT(error, testing::StartsWith(path("folder") + ": "));
+    EXPECT_FALSE(pw_fileExists(path("folder.part")));
+
+    std::error_code failure;
+    const std::filesystem::path sink = platform::nativePath(path("sink"));
+    std::filesystem::create_symlink("/dev/null", sink, failure);
+    if (!failure && std::filesystem::is_character_file(sink)) {
+        EXPECT_EQ(0, ResultFile::writeWhole(path("sink"), "new", error));
+        EXPECT_TRUE(std::filesystem::is_character_file(sink)) << "a device must not become a file";
+    }
 }
 
 TEST_F(FileTest, descriptorsAndStreams) {
