@@ -12,13 +12,13 @@ namespace pwr::platform {
 #if defined(__x86_64__) && defined(__GNUC__)
 namespace {
 
-constexpr unsigned kSignatureLeaf = 1;
-constexpr unsigned kFirstBrandLeaf = 0x80000002;
-constexpr unsigned kLastBrandLeaf = 0x80000004;
+constexpr unsigned SIGNATURE_LEAF = 1;
+constexpr unsigned FIRST_BRAND_LEAF = 0x80000002;
+constexpr unsigned LAST_BRAND_LEAF = 0x80000004;
 
 std::string brandText() {
     std::string brand;
-    for (unsigned leaf = kFirstBrandLeaf; leaf <= kLastBrandLeaf; ++leaf) {
+    for (unsigned leaf = FIRST_BRAND_LEAF; leaf <= LAST_BRAND_LEAF; ++leaf) {
         std::array<unsigned, 4> words{};
         if (__get_cpuid(leaf, &words[0], &words[1], &words[2], &words[3]) == 0) {
             return {};
@@ -41,7 +41,7 @@ ProcessorIdentity processorIdentity() {
     unsigned b = 0;
     unsigned c = 0;
     unsigned d = 0;
-    if (__get_cpuid(kSignatureLeaf, &signature, &b, &c, &d) == 0) {
+    if (__get_cpuid(SIGNATURE_LEAF, &signature, &b, &c, &d) == 0) {
         return identity;
     }
     // The extended fields count only for the families that outgrew the four-bit ones.

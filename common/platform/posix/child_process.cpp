@@ -10,10 +10,10 @@
 namespace pwr::platform {
 namespace {
 
-constexpr int kSignalExitBase = 128;
+constexpr int SIGNAL_EXIT_BASE = 128;
 
 int exitCodeOf(int status) {
-    return WIFSIGNALED(status) ? kSignalExitBase + WTERMSIG(status) : WEXITSTATUS(status);
+    return WIFSIGNALED(status) ? SIGNAL_EXIT_BASE + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 [[noreturn]] void becomeCommand(const std::vector<char*>& arguments, int errorPipe) {
@@ -31,6 +31,18 @@ int exitCodeOf(int status) {
 } // namespace
 
 struct ChildProcess::State {
+    /// Asks once; false only while the command runs.
+    bool reap(int options) {
+        int status = 0;
+        const pid_t answer = ended ? 0 : waitpid(pid, &status, options);
+        if (answer == pid) {
+            exitCode = exitCodeOf(status);
+        }
+        // Where the system keeps no record of ended commands it is gone as well, with its exit code.
+        ended = ended || answer == pid || (answer < 0 && errno != EINTR);
+        return ended;
+    }
+
     pid_t pid = -1;
     bool ended = false;
     int exitCode = 0;
@@ -47,6 +59,7 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>
     }
     std::vector<std::string> words = command;
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }
@@ -66,7 +79,10 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>
     close(ends[1]);
     int execError = pid < 0 ? forkError : 0;
     if (pid > 0) {
-        const ssize_t got = read(ends[0], &execError, sizeof execError);
+        ssize_t got = -1;
+        do {
+            got = read(ends[0], &execError, sizeof execError);
+        } while (got < 0 && errno == EINTR);
         execError = got == static_cast<ssize_t>(sizeof execError) ? execError : 0;
     }
     close(ends[0]);
@@ -83,24 +99,11 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const std::vector<std::string>
 }
 
 bool ChildProcess::hasEnded() {
-    int status = 0;
-    if (!m_state->ended && waitpid(m_state->pid, &status, WNOHANG) == m_state->pid) {
-        m_state->ended = true;
-        m_state->exitCode = exitCodeOf(status);
-    }
-    return m_state->ended;
+    return m_state->reap(WNOHANG);
 }
 
 int ChildProcess::wait() {
-    int status = 0;
-    while (!m_state->ended) {
-        if (waitpid(m_state->pid, &status, 0) == m_state->pid) {
-            m_state->ended = true;
-            m_state->exitCode = exitCodeOf(status);
-        } else if (errno != EINTR) {
-            m_state->ended = true;
-        }
-    }
+    while (!m_state->reap(0)) {}
     return m_state->exitCode;
 }
 

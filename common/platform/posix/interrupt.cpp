@@ -13,8 +13,8 @@
 namespace pwr::platform {
 namespace {
 
-constexpr int kAbortExitCode = 130;
-constexpr std::uint64_t kNanosecondsPerSecond = 1000000000;
+constexpr int ABORT_EXIT_CODE = 130;
+constexpr std::uint64_t NANOSECONDS_PER_SECOND = 1000000000;
 
 std::atomic<unsigned> g_interrupts{0};
 // A byte in the pipe outlives the handler, so a signal between the check and the sleep is not lost.
@@ -24,7 +24,7 @@ int g_wakeReadEnd = -1;
 extern "C" void onSignal(int signal) {
     const int savedErrno = errno;
     if (signal != SIGCHLD && g_interrupts.fetch_add(1) > 0) {
-        _exit(kAbortExitCode);
+        _exit(ABORT_EXIT_CODE);
     }
     const char byte = 1;
     if (write(g_wakeWriteEnd.load(), &byte, 1) < 0) {
@@ -62,8 +62,8 @@ void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {
         return;
     }
     timespec wait{};
-    wait.tv_sec = static_cast<time_t>(nanoseconds / kNanosecondsPerSecond);
-    wait.tv_nsec = static_cast<long>(nanoseconds % kNanosecondsPerSecond);
+    wait.tv_sec = static_cast<time_t>(nanoseconds / NANOSECONDS_PER_SECOND);
+    wait.tv_nsec = static_cast<long>(nanoseconds % NANOSECONDS_PER_SECOND);
     pollfd end{g_wakeReadEnd, POLLIN, 0};
     const nfds_t ends = g_wakeReadEnd < 0 ? 0 : 1;
     if (ppoll(&end, ends, &wait, nullptr) > 0) {

@@ -2,9 +2,9 @@
 #include "common/platform/file.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <fstream>
+#include <iterator>
 #include <string_view>
 #include <unistd.h>
 
@@ -12,16 +12,49 @@ namespace pwr::platform {
 
 namespace {
 
-struct Capability {
-    std::string_view name;
-    unsigned bit;
-};
-
-// The system's numbers of those that reading counters may ask for.
-constexpr std::array CAPABILITIES = {
-    Capability{"CAP_DAC_READ_SEARCH", 2}, Capability{"CAP_NET_ADMIN", 12}, Capability{"CAP_SYS_RAWIO", 17},
-    Capability{"CAP_SYS_PTRACE", 19},     Capability{"CAP_SYS_ADMIN", 21}, Capability{"CAP_SYS_NICE", 23},
-    Capability{"CAP_SYSLOG", 34},         Capability{"CAP_PERFMON", 38},   Capability{"CAP_BPF", 39},
+/// In the order of the system's numbers.
+constexpr std::string_view CAPABILITIES[] = {
+    "CAP_CHOWN",
+    "CAP_DAC_OVERRIDE",
+    "CAP_DAC_READ_SEARCH",
+    "CAP_FOWNER",
+    "CAP_FSETID",
+    "CAP_KILL",
+    "CAP_SETGID",
+    "CAP_SETUID",
+    "CAP_SETPCAP",
+    "CAP_LINUX_IMMUTABLE",
+    "CAP_NET_BIND_SERVICE",
+    "CAP_NET_BROADCAST",
+    "CAP_NET_ADMIN",
+    "CAP_NET_RAW",
+    "CAP_IPC_LOCK",
+    "CAP_IPC_OWNER",
+    "CAP_SYS_MODULE",
+    "CAP_SYS_RAWIO",
+    "CAP_SYS_CHROOT",
+    "CAP_SYS_PTRACE",
+    "CAP_SYS_PACCT",
+    "CAP_SYS_ADMIN",
+    "CAP_SYS_BOOT",
+    "CAP_SYS_NICE",
+    "CAP_SYS_RESOURCE",
+    "CAP_SYS_TIME",
+    "CAP_SYS_TTY_CONFIG",
+    "CAP_MKNOD",
+    "CAP_LEASE",
+    "CAP_AUDIT_WRITE",
+    "CAP_AUDIT_CONTROL",
+    "CAP_SETFCAP",
+    "CAP_MAC_OVERRIDE",
+    "CAP_MAC_ADMIN",
+    "CAP_SYSLOG",
+    "CAP_WAKE_ALARM",
+    "CAP_BLOCK_SUSPEND",
+    "CAP_AUDIT_READ",
+    "CAP_PERFMON",
+    "CAP_BPF",
+    "CAP_CHECKPOINT_RESTORE",
 };
 
 std::uint64_t effectiveCapabilities() {
@@ -42,9 +75,9 @@ bool hasPrivilege(const std::string& name) {
     if (name == "administrator") {
         return geteuid() == 0;
     }
-    const auto* const found = std::find_if(CAPABILITIES.begin(), CAPABILITIES.end(),
-                                           [&](const Capability& known) { return known.name == name; });
-    return found != CAPABILITIES.end() && ((effectiveCapabilities() >> found->bit) & 1) != 0;
+    const auto* const found = std::find(std::begin(CAPABILITIES), std::end(CAPABILITIES), name);
+    return found != std::end(CAPABILITIES) &&
+           ((effectiveCapabilities() >> (found - std::begin(CAPABILITIES))) & 1) != 0;
 }
 
 bool isSystemModuleLoaded(const std::string& name) {

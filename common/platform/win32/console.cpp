@@ -1,6 +1,7 @@
 #include "common/platform/console.h"
 #include "common/platform/win32/wide_text.h"
 
+#include <cstdint>
 #include <io.h>
 
 namespace pwr::platform {
@@ -8,7 +9,8 @@ namespace pwr::platform {
 namespace {
 
 HANDLE handleOf(std::FILE* stream) {
-    return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    const std::intptr_t number = _get_osfhandle(_fileno(stream));
+    return reinterpret_cast<HANDLE>(number); // NOLINT(performance-no-int-to-ptr): the C library's form of it
 }
 
 } // namespace

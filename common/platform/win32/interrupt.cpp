@@ -9,18 +9,21 @@
 namespace pwr::platform {
 namespace {
 
-constexpr unsigned kAbortExitCode = 130;
-constexpr std::uint64_t kNanosecondsPerMillisecond = 1000000;
-constexpr std::uint64_t kLongestWaitMilliseconds = 0x7FFFFFFF;
+constexpr unsigned ABORT_EXIT_CODE = 130;
+constexpr std::uint64_t NANOSECONDS_PER_MILLISECOND = 1000000;
+constexpr std::uint64_t LONGEST_WAIT_MILLISECONDS = 0x7FFFFFFF;
 
 std::atomic<unsigned> g_interrupts{0};
 std::atomic<HANDLE> g_wakeEvent{nullptr};
 
-BOOL WINAPI onConsoleEvent(DWORD /*event*/) {
+BOOL WINAPI onConsoleEvent(DWORD event) {
     if (g_interrupts.fetch_add(1) > 0) {
-        TerminateProcess(GetCurrentProcess(), kAbortExitCode);
+        TerminateProcess(GetCurrentProcess(), ABORT_EXIT_CODE);
     }
     SetEvent(g_wakeEvent.load());
+    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+        Sleep(INFINITE); // a window closes or the user leaves: the process would end when this returns
+    }
     return TRUE;
 }
 
@@ -39,8 +42,9 @@ void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {
     if (interruptCount() > 0) {
         return;
     }
-    std::uint64_t milliseconds = (nanoseconds + kNanosecondsPerMillisecond / 2) / kNanosecondsPerMillisecond;
-    milliseconds = milliseconds < kLongestWaitMilliseconds ? milliseconds : kLongestWaitMilliseconds;
+    std::uint64_t milliseconds =
+        (nanoseconds + NANOSECONDS_PER_MILLISECOND / 2) / NANOSECONDS_PER_MILLISECOND;
+    milliseconds = milliseconds < LONGEST_WAIT_MILLISECONDS ? milliseconds : LONGEST_WAIT_MILLISECONDS;
     HANDLE handles[2] = {};
     DWORD count = 0;
     if (g_wakeEvent.load() != nullptr) {

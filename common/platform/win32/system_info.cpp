@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <bit>
+#include <iterator>
 
 namespace pwr::platform {
 namespace {
 
-constexpr int kProcessorsPerGroup = 64;
+constexpr int PROCESSORS_PER_GROUP = 64;
 
 using Record = SYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX;
 
@@ -34,10 +35,27 @@ std::vector<int> threadsOf(const PROCESSOR_RELATIONSHIP& relationship) {
     for (WORD i = 0; i < relationship.GroupCount; ++i) {
         const GROUP_AFFINITY& group = relationship.GroupMask[i];
         for (auto mask = static_cast<std::uint64_t>(group.Mask); mask != 0; mask &= mask - 1) {
-            threads.push_back(group.Group * kProcessorsPerGroup + std::countr_zero(mask));
+            threads.push_back(group.Group * PROCESSORS_PER_GROUP + std::countr_zero(mask));
         }
     }
     return threads;
+}
+
+/// The machine's type in the words that other systems use; the program may run emulated on another one.
+std::string machineType() {
+    struct Type {
+        WORD number;
+        const char* name;
+    };
+    constexpr Type types[] = {{PROCESSOR_ARCHITECTURE_AMD64, "x86_64"},
+                              {PROCESSOR_ARCHITECTURE_ARM64, "aarch64"},
+                              {PROCESSOR_ARCHITECTURE_INTEL, "i686"}};
+    SYSTEM_INFO info{};
+    GetNativeSystemInfo(&info);
+    const auto* const found = std::find_if(std::begin(types), std::end(types), [&](const Type& type) {
+        return type.number == info.wProcessorArchitecture;
+    });
+    return found != std::end(types) ? found->name : std::string();
 }
 
 std::string registryText(const wchar_t* name) {
@@ -91,7 +109,7 @@ OperatingSystem operatingSystem() {
     if (system.name.empty()) {
         system.name = "Windows";
     }
-    system.type = "x86_64";
+    system.type = machineType();
     system.version = registryText(L"CurrentBuildNumber");
     return system;
 }
