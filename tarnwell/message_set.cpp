@@ -51,7 +51,10 @@ int MessageSet::adopt_i(CollectorPlugin* collector, std::vector<std::unique_ptr<
     }
     for (std::unique_ptr<pwr::Metadata>& declaration : declarations) {
         auto* metric = dynamic_cast<pwr::MetricMetadata*>(declaration.get());
-        const auto known = metric == nullptr ? metricIds.end() : metricIds.find(metric->getMetricID());
+        if (metric == nullptr) {
+            continue;
+        }
+        const auto known = metricIds.find(metric->getMetricID());
         if (known != metricIds.end()) {
             metric->setIDs(collectorId, known->second);
             m_declarations.push_back(std::move(declaration));

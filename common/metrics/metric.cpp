@@ -18,6 +18,9 @@
 
 namespace pwr {
 
+// Users of the shared library on Windows may take its address.
+constexpr std::uint64_t Metric::NO_DURATION; // NOLINT(readability-redundant-declaration)
+
 namespace {
 
 std::uint32_t nextContainerId = 0;

@@ -4,6 +4,9 @@
 
 #include <limits>
 
+// Users of the shared library on Windows may take its address.
+constexpr std::size_t CollectionData::MAX_VALUES; // NOLINT(readability-redundant-declaration)
+
 std::string_view CollectionData::getText(std::size_t index) const {
     if (!isText(index)) {
         return {};
