@@ -41,6 +41,7 @@ void PendingSamples::fill_i(const PendingSample& sample, DataElement& element) c
     element.m_info = nullptr;
     element.m_value = makeData(sample.type, sample.bits);
     element.m_duration = sample.duration;
+    element.m_container = DataElement::NO_CONTAINER; // the place may have held another combination's element
     element.m_reportingDescriptor = row.descriptor != nullptr ? row.descriptor : m_reportingDescriptor;
 }
 

@@ -130,6 +130,17 @@ TEST_F(MetricTest, groupsEqualTimestampsIntoPoints) {
               recorder->text);
 }
 
+TEST_F(MetricTest, elementsOfPointsCanBeTakenAgain) {
+    Metric metric = make(Type::SampledValue);
+    add(metric, 200, e1, a, Data("text"));
+    EXPECT_EQ(1U, metric.getData().getElements().size());
+    add(metric, 300, e2, b, Data(1.0)); // takes the place of the text
+    DataElement element = metric.getData().getElements()[0];
+    EXPECT_EQ(0, metric.setData(400, element, 0));
+    EXPECT_EQ(1, add(metric, 400, e2, b, Data(1.0)));
+    EXPECT_EQ(0, add(metric, 300, e1, a, Data(1.0)));
+}
+
 TEST_F(MetricTest, tracedSamplesArePointsOfTheirOwn) {
     Metric metric = make(Type::TracedEvent);
     const auto recorder = std::make_shared<RecordingAccumulator>();
