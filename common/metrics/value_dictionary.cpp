@@ -6,15 +6,21 @@ namespace pwr {
 
 namespace {
 
+/// Ranges of reals compare by their low ends.
 bool isNaN(const Data& value) {
-    double number = 0.0;
-    return value.getType() == DataType::REAL && value.toReal(number) == 0 && std::isnan(number);
+    Data::RealRange range(0.0, 0.0);
+    if (value.getType() == DataType::REAL) {
+        value.toReal(range.first);
+    } else if (value.getType() == DataType::REAL_RANGE) {
+        value.toRealRange(range);
+    }
+    return std::isnan(range.first);
 }
 
 } // namespace
 
 bool DataOrder::operator()(const Data& left, const Data& right) const {
-    if (left.getType() == DataType::REAL && right.getType() == DataType::REAL) {
+    if (left.getType() == right.getType()) {
         if (isNaN(left)) {
             return false;
         }

@@ -94,18 +94,20 @@ bool ValueStore::isDeclared_i(std::uint64_t key) const {
     return std::binary_search(m_declaredKeys.begin(), m_declaredKeys.end(), key);
 }
 
-/// Whether a value that is new to a row gets counts of its own. With a finite set, which bounds them, values
-/// outside it do not: they have no column.
-bool ValueStore::mayEnter_i(const Metric& metric, std::uint64_t key) {
-    if (m_declaredCount != 0) {
-        return isDeclared_i(key);
+/// Whether a value that is new to a row gets counts of its own: a declared one always, others while there is room.
+/// Those outside a finite set have no column yet, but the set may grow to hold them.
+bool ValueStore::mayEnter_i(const Metric& metric, bool isDeclared) {
+    if (isDeclared) {
+        return true;
     }
-    if (m_pairCount == MAX_PAIRS) {
+    if (m_pairCount < MAX_PAIRS) {
+        ++m_pairCount;
+        return true;
+    }
+    if (m_declaredCount == 0) {
         giveUpDistinct_i(metric);
-        return false;
     }
-    ++m_pairCount;
-    return true;
+    return false;
 }
 
 void ValueStore::giveUpDistinct_i(const Metric& metric) {
@@ -127,7 +129,7 @@ void ValueStore::drainDistinct_i(const Metric& metric, std::uint32_t row,
         const std::uint64_t key = distinctKey<T>(sample.bits);
         DistinctValues::Entry* entry = &distinct.place(key);
         if (entry->samples == 0) {
-            if (!mayEnter_i(metric, key)) {
+            if (!mayEnter_i(metric, isDeclared_i(key))) {
                 if (!m_keepsDistinct) {
                     return;
                 }
@@ -189,19 +191,14 @@ void ValueStore::addOther_i(const Metric& metric, const PendingSamples& samples,
     if (!m_keepsDistinct) {
         return;
     }
-    std::uint32_t key = m_dictionary.find(value);
-    if (m_declaredCount != 0) {
-        if (std::find(m_declaredOthers.begin(), m_declaredOthers.end(), key) == m_declaredOthers.end()) {
-            return;
-        }
-    } else {
-        const bool isNew = key == ValueDictionary::NONE || !m_others.contains({sample.row, key});
-        if (isNew && !mayEnter_i(metric, key)) {
-            return;
-        }
-        key = m_dictionary.enter(value);
+    const std::uint32_t known = m_dictionary.find(value);
+    const bool isNew = known == ValueDictionary::NONE || !m_others.contains({sample.row, known});
+    const bool isDeclared =
+        std::find(m_declaredOthers.begin(), m_declaredOthers.end(), known) != m_declaredOthers.end();
+    if (isNew && !mayEnter_i(metric, isDeclared)) {
+        return;
     }
-    Occurrences& occurrences = m_others[{sample.row, key}];
+    Occurrences& occurrences = m_others[{sample.row, m_dictionary.enter(value)}];
     ++occurrences.samples;
     occurrences.duration += sample.duration;
 }
@@ -209,7 +206,11 @@ void ValueStore::addOther_i(const Metric& metric, const PendingSamples& samples,
 template <class T>
 std::uint64_t ValueStore::wordOf_i(const PendingSamples& samples, const PendingSample& sample) {
     if constexpr (std::is_same_v<T, NoNumber>) {
-        return m_keepsDistinct ? m_dictionary.enter(samples.keptValueOf(sample)) : 0;
+        if (!m_keepsDistinct) {
+            return 0;
+        }
+        const Data& value = samples.keptValueOf(sample);
+        return m_pairCount < MAX_PAIRS ? m_dictionary.enter(value) : m_dictionary.find(value);
     } else {
         return sample.bits;
     }

@@ -83,7 +83,7 @@ private:
     void addOther_i(const Metric& metric, const PendingSamples& samples, const PendingSample& sample);
     /// The word that stands for a sample of the container's type.
     template <class T> std::uint64_t wordOf_i(const PendingSamples& samples, const PendingSample& sample);
-    bool mayEnter_i(const Metric& metric, std::uint64_t key);
+    bool mayEnter_i(const Metric& metric, bool isDeclared);
     bool isDeclared_i(std::uint64_t key) const;
     void giveUpDistinct_i(const Metric& metric);
     template <class Visit> void visitType_i(Visit visit);
@@ -92,7 +92,7 @@ private:
     Data m_firstValue;
     bool m_keepsDistinct;
     std::uint32_t m_rowCount = 0;
-    std::uint32_t m_pairCount = 0; // distinct values over all rows, without a finite set
+    std::uint32_t m_pairCount = 0; // distinct values over all rows, declared ones apart
     RowColumn<ValueStatistics> m_statistics;
     RowColumn<std::uint8_t> m_waiting;
     RowColumn<Buffer, 4> m_buffers;

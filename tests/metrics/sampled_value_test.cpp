@@ -134,10 +134,12 @@ TEST_F(MetricTest, finiteSetsHeadTheColumnsAndOthersOnlyCount) {
     Metric metric = make(Type::SampledValue);
     metric.setFiniteSetValues({describe("on", Data("on")), describe("off", Data("off"))});
     for (std::uint64_t i = 0; i < 40; ++i) { // more than wait in a buffer
-        add(metric, 200 + i, e1, nullptr, Data(i % 4 == 0 ? "off" : "broken"));
+        add(metric, 200 + i, e1, nullptr, Data(i % 4 == 0 ? "off" : (i % 4 == 1 ? "dim" : "broken")));
     }
-    EXPECT_EQ("M Summary - Sampled: Counts\nEntity | on | off\ne1 | 0 | 10\n\n"
-              "M Summary - Sampled: Sample Distribution\nEntity | on (%) | off (%)\ne1 | 0.00 | 25.00\n\n",
+    metric.setFiniteSetValues({describe("dim", Data("dim"))}); // what came before counts as well
+    EXPECT_EQ("M Summary - Sampled: Counts\nEntity | on | off | dim\ne1 | 0 | 10 | 10\n\n"
+              "M Summary - Sampled: Sample Distribution\nEntity | on (%) | off (%) | dim (%)\n"
+              "e1 | 0.00 | 25.00 | 25.00\n\n",
               finish(metric));
 }
 
