@@ -162,8 +162,7 @@ int SampledDeltaAccumulator::Impl::emit(Metric& metric, std::uint32_t number) {
         if (showsRate && column == 0) {
             return rateOf(metric, row);
         }
-        const Data total = totalOf(row.source);
-        return total.isSet() && total.isValid() ? SummaryCell(total) : std::nullopt;
+        return dataCell(totalOf(row.source));
     });
 }
 

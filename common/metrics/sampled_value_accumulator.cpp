@@ -34,15 +34,13 @@ double asDouble(DataType type, std::uint64_t bits) {
 
 /// A row of values that are all of another type has kept its seeds, which are no measurement.
 bool hasExtremes(const ValueStatistics& row, DataType type) {
-    return type == DataType::REAL ? row.minimum != seedStatistics(type).minimum
+    const ValueStatistics seeds = seedStatistics(type);
+    return type == DataType::REAL ? row.minimum != seeds.minimum || row.maximum != seeds.maximum
                                   : !(makeData(type, row.maximum) < makeData(type, row.minimum));
 }
 
 SummaryCell extreme(const ValueStatistics& row, DataType type, std::uint64_t bits) {
-    if (!hasExtremes(row, type) || !std::isfinite(asDouble(type, bits))) {
-        return std::nullopt;
-    }
-    return makeData(type, bits);
+    return hasExtremes(row, type) ? dataCell(makeData(type, bits)) : std::nullopt;
 }
 
 constexpr StatisticsColumn STATISTICS_COLUMNS[] = {

@@ -28,7 +28,7 @@ const EntityHandle* makeRowEntity(const SummaryRow& row) {
 /// The handles of the container's rows, which all tables of that order share. Tables order rows by the ids of
 /// their handles, so a measured entity carries its own row only as long as no made handle stands before it.
 void makeContainerHandles(MetricAccess::Fields& fields) {
-    fields.rowEntities.resize(fields.intake.rows().size(), nullptr);
+    fields.rowEntities.assign(fields.intake.rows().size(), nullptr);
     bool hasMade = false;
     for (const std::uint32_t number : fields.intake.rows().sorted()) {
         const RowTable::Row& row = fields.intake.rows()[number];
@@ -87,7 +87,7 @@ void SummaryTable::makeHandle_i(SummaryRow& row) {
         return;
     }
     MetricAccess::Fields& fields = MetricAccess::of(m_metric);
-    if (fields.rowEntities.empty()) {
+    if (fields.rowEntities.size() != fields.intake.rows().size()) { // rows may come between reports
         makeContainerHandles(fields);
     }
     row.handle = fields.rowEntities[row.source];
@@ -182,18 +182,20 @@ int SummaryTable::pushRows_i(TableMessage& table, std::vector<SummaryRow>& rows,
 
 std::vector<SummaryTable::ColumnOwner> SummaryTable::columnOwners_i(
     const std::vector<SummaryRow>& rows) const {
-    std::map<std::pair<const DataDescriptor*, std::string>, std::uint32_t> orders;
+    std::map<ColumnOwner, std::uint32_t> orders;
     for (const SummaryRow& row : rows) {
-        const auto [entry, isNew] = orders.try_emplace({row.descriptor, row.text}, row.columnOrder);
+        const auto [entry, isNew] =
+            orders.try_emplace({row.descriptor, row.text, row.value}, row.columnOrder);
         entry->second = std::min(entry->second, row.columnOrder);
     }
     std::vector<ColumnOwner> owners;
     owners.reserve(orders.size());
     for (const auto& [owner, order] : orders) {
-        owners.push_back({owner.first, owner.second, order});
+        owners.push_back(owner);
     }
-    std::sort(owners.begin(), owners.end(),
-              [](const ColumnOwner& left, const ColumnOwner& right) { return left.order < right.order; });
+    std::sort(owners.begin(), owners.end(), [&](const ColumnOwner& left, const ColumnOwner& right) {
+        return orders.at(left) < orders.at(right);
+    });
     return owners;
 }
 
@@ -202,13 +204,13 @@ int SummaryTable::pushTransposed_i(TableMessage& table, const std::vector<Summar
     const std::vector<ColumnOwner> owners = columnOwners_i(rows);
     addLabel_i(table, m_metric.getEntityGroupInfo(), "Entity", DataType::HANDLE);
     table.setLabelFieldCount(1);
-    std::map<std::pair<const DataDescriptor*, std::string>, unsigned> firstFields;
+    std::map<ColumnOwner, unsigned> firstFields;
     for (const ColumnOwner& owner : owners) {
         std::string label = owner.text;
         if (owner.descriptor != nullptr) {
             label = owner.descriptor->getName() + (label.empty() ? "" : " " + label);
         }
-        firstFields[{owner.descriptor, owner.text}] = table.getFieldCount();
+        firstFields[owner] = table.getFieldCount();
         for (const SummaryColumn& column : m_columns) {
             addValueColumn_i(table, column, label.empty() ? column.title : label + column.transposedSuffix);
         }
@@ -221,7 +223,7 @@ int SummaryTable::pushTransposed_i(TableMessage& table, const std::vector<Summar
     }
     for (const SummaryRow& row : rows) {
         table.setFieldValueAt(row.entity, 0, Data(static_cast<const DataHandle&>(*row.entity)));
-        const unsigned firstField = firstFields[{row.descriptor, row.text}];
+        const unsigned firstField = firstFields[{row.descriptor, row.text, row.value}];
         for (unsigned column = 0; column < m_columns.size(); ++column) {
             if (const SummaryCell value = cell(row, column)) {
                 table.setFieldValueAt(row.entity, firstField + column, *value);

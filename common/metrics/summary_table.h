@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "common/values/data.h"
@@ -47,6 +48,15 @@ inline SummaryCell realCell(double value) {
     return std::isfinite(value) ? SummaryCell(Data(value)) : std::nullopt;
 }
 
+inline SummaryCell dataCell(const Data& value) {
+    double real = 0.0;
+    if (!value.isSet() || !value.isValid() ||
+        (value.getType() == DataType::REAL && value.toReal(real) == 0 && !std::isfinite(real))) {
+        return std::nullopt;
+    }
+    return value;
+}
+
 /// Builds a summary table in the form that the output configuration asks for, and pushes it. What all summaries
 /// have in common stands here: title, notes, label columns, the transposed layout and the container's stamp.
 /// Rows stand in the order in which they are given.
@@ -84,7 +94,11 @@ private:
     struct ColumnOwner {
         const DataDescriptor* descriptor;
         std::string text;
-        std::uint32_t order;
+        std::uint32_t value; // different values may have one text
+
+        bool operator<(const ColumnOwner& other) const {
+            return std::tie(descriptor, text, value) < std::tie(other.descriptor, other.text, other.value);
+        }
     };
 
     void addNotes_i(TableMessage& table);

@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "common/metrics/sampled_residency_accumulator.h"
 #include "tests/metrics/metric_fixture.h"
 
@@ -130,6 +132,12 @@ TEST_F(MetricTest, deltasAreTotalsAndRates) {
          "Average Rate (mW) | Total (mJ)",
          "<N/A> | 4.00 -- 7.00",
          "WARNING: couldn't convert e1/A to real!\n"},
+        {"not a number",
+         Quantity::energy(),
+         {Data(std::nan(""))},
+         "Average Rate (mW) | Total (mJ)",
+         "<N/A> | <N/A>",
+         ""},
         {"other type",
          Quantity::energy(),
          {ticks(7), Data(1.5)},

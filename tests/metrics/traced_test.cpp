@@ -51,6 +51,15 @@ TEST_F(MetricTest, declaredStatesAreListedAndOthersOnlyTakeTime) {
               finish(metric));
 }
 
+TEST_F(MetricTest, statesOfOneTextKeepTheirColumns) {
+    configure("TRANSITION-COUNTS_TRANSPOSE_VALUE=YES");
+    Metric metric = make(Type::TracedValueTransition);
+    add(metric, 200, e1, nullptr, Data(1.001));
+    add(metric, 300, e1, nullptr, Data(1.004));
+    add(metric, 400, e1, nullptr, Data(1.001));
+    EXPECT_NE(std::string::npos, finish(metric).find("Entity | 1.00 | 1.00\ne1 | 2 | 1\n"));
+}
+
 TEST_F(MetricTest, onlyStateOfAnEntityIsWhereItAlwaysWas) {
     showOnly({"RESIDENCY-COMBINED"});
     Metric metric = make(Type::TracedValueTransition);
