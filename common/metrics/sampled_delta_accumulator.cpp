@@ -152,11 +152,11 @@ int SampledDeltaAccumulator::Impl::emit(Metric& metric, std::uint32_t number) {
     const bool showsRate = number == AVERAGE_RATE_TOTAL;
     const char* key = findMetricTypeRules(Metric::MetricType::SampledDelta)->selectors[number];
     SummaryTable table(metric, key, showsRate ? " Summary: Average Rate and Total" : " Summary: Total",
-                       metric.getQuantity());
+                       showsRate && !hasRates ? nullptr : metric.getQuantity()); // a rate has another unit
     if (showsRate) {
         table.addColumn("Average Rate", " Average Rate", DataType::REAL, rateQuantity);
     }
-    table.addColumn("Total", " Total", type == DataType::NONE ? DataType::REAL : type);
+    table.addColumn("Total", " Total", type == DataType::NONE ? DataType::REAL : type, metric.getQuantity());
     std::vector<SummaryRow> shown = collectRows(metric);
     return table.push(shown, [&](const SummaryRow& row, std::size_t column) -> SummaryCell {
         if (showsRate && column == 0) {

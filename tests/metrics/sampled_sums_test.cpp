@@ -126,6 +126,7 @@ TEST_F(MetricTest, deltasAreTotalsAndRates) {
          "1.00 | 2",
          ""},
         {"no quantity", nullptr, {ticks(7)}, "Average Rate | Total", "<N/A> | 7", disabled},
+        {"no rate", Quantity::temperature(), {ticks(7)}, "Average Rate | Total (oC)", "<N/A> | 7", disabled},
         {"range",
          Quantity::energy(),
          {Data(1.0, 2.0), Data(3.0, 5.0)},
