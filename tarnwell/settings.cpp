@@ -33,23 +33,29 @@ constexpr const char* kFooter =
     "127 COMMAND could not be started; a non-zero code of COMMAND wins.";
 
 struct RawOptions {
-    std::string interval;
-    std::string time;
+    std::optional<std::string> interval;
+    std::optional<std::string> time;
+    std::optional<std::string> outputPrefix;
 };
 
-/// "--feature" with nothing behind it asks for the list; the option parser would call it an error.
-bool isFeatureQuestion(const std::vector<std::string>& arguments) {
+/// "--feature" with nothing behind it asks for the list; the option parser would call it an error, so it
+/// is taken out. True when there was one.
+bool takeFeatureQuestion(std::vector<std::string>& arguments) {
+    std::vector<std::string> others;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const bool valueFollows = i + 1 < arguments.size() && arguments[i + 1].rfind('-', 0) != 0;
-        if (arguments[i] == "--feature" && !valueFollows) {
-            return true;
+        if (arguments[i] != "--feature" || valueFollows) {
+            others.push_back(arguments[i]);
         }
     }
-    return false;
+    const bool isQuestion = others.size() < arguments.size();
+    arguments = std::move(others);
+    return isQuestion;
 }
 
 std::string rangeError(const char* option, const std::string& value, const std::string& expected) {
-    return "tarnwell: " + std::string(option) + " " + value + ": give " + expected + "\n";
+    return "tarnwell: " + std::string(option) + " " + (value.empty() ? "\"\"" : value) + ": give " +
+           expected + "\n";
 }
 
 /// Empty on success, else what is wrong.
@@ -86,8 +92,7 @@ void declareOptions(CLI::App& app, Settings& settings, RawOptions& raw) {
     app.add_option("--interval", raw.interval, "milliseconds between samples (1 to 60000; default 100)")
         ->type_name("MS");
     app.add_option("--time", raw.time, "seconds to collect; with a command: at most so long")->type_name("S");
-    app.add_option("--output", settings.outputPrefix,
-                   "also write PREFIX.txt and one PREFIX_*.csv for each table")
+    app.add_option("--output", raw.outputPrefix, "also write PREFIX.txt and one PREFIX_*.csv for each table")
         ->type_name("PREFIX");
     app.add_option("--output-config", settings.outputConfig,
                    "output configuration instead of the shipped files")
@@ -100,12 +105,17 @@ void declareOptions(CLI::App& app, Settings& settings, RawOptions& raw) {
 
 std::string checkedValues(const RawOptions& raw, Settings& settings) {
     std::string error;
-    if (!raw.interval.empty()) {
-        error = readInterval(raw.interval, settings.intervalMs);
+    if (raw.interval) {
+        error = readInterval(*raw.interval, settings.intervalMs);
     }
-    if (error.empty() && !raw.time.empty()) {
-        error = readSeconds(raw.time, settings.seconds);
+    if (error.empty() && raw.time) {
+        error = readSeconds(*raw.time, settings.seconds);
     }
+    // An empty text is a variable that was not set: results would silently go nowhere.
+    if (error.empty() && raw.outputPrefix && raw.outputPrefix->empty()) {
+        error = rangeError("--output", "", "what the names of the result files start with");
+    }
+    settings.outputPrefix = raw.outputPrefix.value_or("");
     return error;
 }
 
@@ -136,10 +146,7 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     doctor->add_option("--machine", settings.machine, "look at this root folder or captured bundle")
         ->type_name("PLACE");
 
-    const bool question = isFeatureQuestion(own);
-    if (question) {
-        own.erase(std::remove(own.begin(), own.end(), "--feature"), own.end());
-    }
+    const bool question = takeFeatureQuestion(own);
     try {
         std::vector<std::string> reversed(own.rbegin(), own.rend());
         app.parse(reversed);
@@ -157,11 +164,15 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     if (parsed.error.empty() && separator != arguments.end() && settings.command.empty()) {
         parsed.error = "tarnwell: no command behind --\n";
     }
+    const bool asksDoctor = question || doctor->parsed();
+    if (parsed.error.empty() && asksDoctor && !settings.command.empty()) {
+        parsed.error = "tarnwell: the list of features runs no command; leave out \"--\" and what follows\n";
+    }
     if (!parsed.error.empty()) {
         parsed.exitCode = toInt(ExitCode::USAGE);
         return parsed;
     }
-    if (question || doctor->parsed()) {
+    if (asksDoctor) {
         settings.action = Settings::Action::DOCTOR;
     }
     parsed.settings = std::move(settings);
