@@ -54,6 +54,11 @@ const std::vector<std::string>& capturedPaths() {
 } // namespace
 
 int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, std::string& reason) {
+    // Opened first, so that a place that cannot be written is known before the recording.
+    pwr::ResultFile file(settings.captureFile);
+    if (!file.getError().empty()) {
+        return file.commit(reason);
+    }
     CollectionClock clock(machine);
     const double nanosecondsPerTick = kNanosecondsPerSecond / clock.ticksPerSecond();
     const auto ticksOf = [&](double nanoseconds) {
@@ -75,7 +80,6 @@ int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, s
         }
         deadline = schedule.nextDeadline(clock.now());
     }
-    pwr::ResultFile file(settings.captureFile);
     file.write(writer.text());
     return file.commit(reason);
 }

@@ -51,6 +51,10 @@ int runDoctor(const Settings& settings, const FeatureList& features, const Plugi
         }
         std::printf("Wrote %s\n", settings.captureFile.c_str());
     }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fprintf(stderr, "tarnwell: the list could not be written completely\n");
+        return toInt(ExitCode::FAILED);
+    }
     return plugins.problems().empty() ? toInt(ExitCode::DONE) : toInt(ExitCode::PARTIAL);
 }
 

@@ -12,7 +12,8 @@ int main(int argc, char** argv) {
     std::fputs(parsed.output.c_str(), stdout);
     std::fputs(parsed.error.c_str(), stderr);
     if (!parsed.settings) {
-        return parsed.exitCode;
+        const bool isSaid = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+        return isSaid ? parsed.exitCode : 1;
     }
     try {
         return tarnwell::run(*parsed.settings);

@@ -25,6 +25,10 @@ void PluginSet::load(const std::string& folder,
     m_writers.insert(writers.begin(), writers.end());
     if (result != 0 && m_loader.getFiles().empty()) {
         m_problems.push_back("no plug-ins: the folder " + folder + " cannot be read");
+    } else if (!isComplete()) {
+        const char* const kind = m_collectors.empty() ? "collector" : m_metrics.empty() ? "metric" : "writer";
+        m_problems.push_back("there is no " + std::string(kind) + " plug-in in " + folder +
+                             ": is the installation complete?");
     }
 }
 

@@ -28,6 +28,9 @@ public:
     const std::vector<MetricPlugin*>& metrics() const { return m_metrics; }
     std::set<WriterPlugin*>& writers() { return m_writers; }
 
+    /// Whether there is a plug-in of every kind, without which nothing can be collected and reported.
+    bool isComplete() const { return !m_collectors.empty() && !m_metrics.empty() && !m_writers.empty(); }
+
     /// One sentence for each plug-in that could not be used.
     const std::vector<std::string>& problems() const { return m_problems; }
 

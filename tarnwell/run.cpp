@@ -50,7 +50,12 @@ public:
         m_plugins.load(m_environment.folder() + "plugins", pluginOptions_i());
         const FeatureList features(m_plugins.collectors());
         if (m_settings.action == Settings::Action::DOCTOR) {
+            pwr::platform::installInterruptHandler();
             return runDoctor(m_settings, features, m_plugins, m_machine);
+        }
+        if (!m_plugins.isComplete()) {
+            complain(m_plugins.problems());
+            return toInt(ExitCode::FAILED);
         }
         if (const int code = choose_i(features); code != 0) {
             return code;
@@ -100,7 +105,11 @@ private:
     int readOutputConfiguration_i() const {
         std::vector<std::string> files = m_settings.outputConfig;
         if (files.empty()) {
-            files = pwr::doGlob(m_environment.folder() + "config/output/*.cfg");
+            const std::string shipped = m_environment.folder() + "config/output/*.cfg";
+            files = pwr::doGlob(shipped);
+            if (files.empty()) {
+                complain({"there is no " + shipped + ": tables have neither titles nor order"});
+            }
         }
         return pwr::WriterInterfaceConfigFileParser::instance()->parse(files);
     }
@@ -140,16 +149,13 @@ private:
     }
 
     int end_i(const CollectionOutcome& outcome, pwr::platform::ChildProcess* child) {
-        int commandCode = 0;
-        if (child != nullptr) {
-            if (outcome.wasInterrupted) {
-                child->interrupt();
-            }
-            commandCode = child->wait();
+        if (child != nullptr && outcome.wasInterrupted) {
+            child->interrupt();
         }
+        // The report does not wait for a command that runs on, be it longer than asked for or deaf to Ctrl-C.
         const int written = writeReport(m_environment, m_plugins.metrics(), m_system,
                                         reportNotes(outcome, m_messages, m_absent, m_missing));
-        if (commandCode != 0) {
+        if (const int commandCode = child == nullptr ? 0 : child->wait(); commandCode != 0) {
             return commandCode;
         }
         if (written != 0 || m_environment.hasOutputFailed()) {
