@@ -42,4 +42,7 @@ struct OperatingSystem {
 
 KRCOMMON_API OperatingSystem operatingSystem();
 
+/// Whether the system keeps its counters in files such as /proc/stat.
+KRCOMMON_API bool keepsCountersInFiles();
+
 } // namespace pwr::platform

@@ -16,4 +16,8 @@ OperatingSystem operatingSystem() {
     return {names.nodename, names.sysname, names.machine, names.release};
 }
 
+bool keepsCountersInFiles() {
+    return true;
+}
+
 } // namespace pwr::platform

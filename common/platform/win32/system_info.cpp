@@ -114,4 +114,8 @@ OperatingSystem operatingSystem() {
     return system;
 }
 
+bool keepsCountersInFiles() {
+    return false;
+}
+
 } // namespace pwr::platform

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "common/metadata/msg_metadata.h"
+#include "common/platform/system_info.h"
 #include "common/plugin/logger.h"
 #include "common/plugin/plugin_environment.h"
 #include "common/plugin/plugin_loader.h"
@@ -18,14 +19,6 @@ namespace {
 using pwr::FeatureRow;
 using pwr::MessageRow;
 using pwr::MsgMetadata;
-
-// Windows keeps its counters where another collector reads them. What lies at "/proc" of the current drive
-// there, as it does below an emulation of the system, is not this system's and must not be counted twice.
-#if defined(_WIN32)
-constexpr bool SYSTEM_HAS_TEXT_FILES = false;
-#else
-constexpr bool SYSTEM_HAS_TEXT_FILES = true;
-#endif
 
 constexpr const char* DENIED_FIX = "run as root, or let this user read that file";
 
@@ -77,8 +70,9 @@ int TextFiles::initialize() {
         pwr::logError("ERROR: %s\n", reason.c_str());
         return 1;
     }
-    // A system that keeps nothing in such files has other collectors; there is nothing to explain.
-    if (m_where == "/" && !SYSTEM_HAS_TEXT_FILES) {
+    // Another collector reads such a system's counters. What lies at "/proc" there, as it does below an emulation
+    // of the system, is not this system's and must not be counted twice.
+    if (m_where == "/" && !pwr::platform::keepsCountersInFiles()) {
         return 0;
     }
     for (const FeatureRow& feature : features()) {
