@@ -149,7 +149,7 @@ private:
     }
 
     int end_i(const CollectionOutcome& outcome, pwr::platform::ChildProcess* child) {
-        if (child != nullptr && outcome.wasInterrupted) {
+        if (child != nullptr && outcome.wasInterrupted && !pwr::platform::isInterruptFromTerminal()) {
             child->interrupt();
         }
         // The report does not wait for a command that runs on, be it longer than asked for or deaf to Ctrl-C.
@@ -171,9 +171,10 @@ private:
     const pwr::MachineFiles& m_machine;
     CollectionClock m_clock;
     HostEnvironment m_environment;
-    PluginSet m_plugins;
+    // What the plug-ins refer to outlives them.
     pwr::SystemMetadata m_system;
     MessageSet m_messages;
+    PluginSet m_plugins;
     std::set<std::string> m_chosen;
     std::vector<std::string> m_missing; ///< asked for, but not to be had
     std::vector<std::string> m_absent;  ///< not asked for by name, and not on this machine

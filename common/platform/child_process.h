@@ -26,7 +26,8 @@ public:
     /// Blocks until the command has ended and gives its exit code; 128 + signal number when a signal ended it.
     int wait();
 
-    /// Hands on the user's wish to stop. On Windows the console has already told the command.
+    /// Hands on a wish to stop that the terminal has not told the command already. Nothing on Windows, where only
+    /// the console can tell.
     void interrupt();
 
     /// What the system can wait for: the process handle on Windows, null elsewhere.

@@ -16,6 +16,9 @@ KRCOMMON_API int installInterruptHandler();
 /// How often the user has asked to stop since the handler was installed.
 KRCOMMON_API unsigned interruptCount();
 
+/// Whether the last interrupt came from the terminal or console, which tells the commands running there as well.
+KRCOMMON_API bool isInterruptFromTerminal();
+
 /// Sleeps for at most @p nanoseconds; returns early when an interrupt has been counted or when
 /// @p child (may be null) has ended. It may also return early for no reason: look at the clock.
 KRCOMMON_API void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child);

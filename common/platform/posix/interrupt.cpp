@@ -17,14 +17,19 @@ constexpr int ABORT_EXIT_CODE = 130;
 constexpr std::uint64_t NANOSECONDS_PER_SECOND = 1000000000;
 
 std::atomic<unsigned> g_interrupts{0};
+std::atomic<bool> g_isFromTerminal{false};
 // A byte in the pipe outlives the handler, so a signal between the check and the sleep is not lost.
 std::atomic<int> g_wakeWriteEnd{-1};
 int g_wakeReadEnd = -1;
 
-extern "C" void onSignal(int signal) {
+extern "C" void onSignal(int signal, siginfo_t* info, void* /*context*/) {
     const int savedErrno = errno;
-    if (signal != SIGCHLD && g_interrupts.fetch_add(1) > 0) {
-        _exit(ABORT_EXIT_CODE);
+    if (signal != SIGCHLD) {
+        // What a process sends has a code of 0 or below, what the terminal sends a positive one.
+        g_isFromTerminal = info->si_code > 0;
+        if (g_interrupts.fetch_add(1) > 0) {
+            _exit(ABORT_EXIT_CODE);
+        }
     }
     const char byte = 1;
     if (write(g_wakeWriteEnd.load(), &byte, 1) < 0) {
@@ -43,9 +48,9 @@ int installInterruptHandler() {
     g_wakeReadEnd = ends[0];
     g_wakeWriteEnd = ends[1];
     struct sigaction action {};
-    action.sa_handler = onSignal;
+    action.sa_sigaction = onSignal;
     sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART | SA_NOCLDSTOP;
+    action.sa_flags = SA_RESTART | SA_NOCLDSTOP | SA_SIGINFO;
     int result = 0;
     for (const int signal : {SIGINT, SIGTERM, SIGCHLD}) {
         result |= sigaction(signal, &action, nullptr) == 0 ? 0 : 1;
@@ -55,6 +60,10 @@ int installInterruptHandler() {
 
 unsigned interruptCount() {
     return g_interrupts.load();
+}
+
+bool isInterruptFromTerminal() {
+    return g_isFromTerminal.load();
 }
 
 void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {

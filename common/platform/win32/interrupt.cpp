@@ -38,6 +38,10 @@ unsigned interruptCount() {
     return g_interrupts.load();
 }
 
+bool isInterruptFromTerminal() {
+    return interruptCount() > 0;
+}
+
 void waitForEvent(std::uint64_t nanoseconds, ChildProcess* child) {
     if (interruptCount() > 0) {
         return;
