@@ -85,12 +85,14 @@ TEST(Formatter, reals) {
 TEST(Formatter, realsArePrintedAsPrintfDoes) {
     std::vector<double> values = {0.0, 5e-324, 2.2250738585072014e-308, 1e22, 1.7976931348623157e308};
     // Halves and their neighbours in every decade, around the end of the exact product and beyond.
-    for (double scale = 1e-6; scale < 1e18; scale *= 10)
+    for (int decade = -6; decade < 18; ++decade) {
+        const double scale = std::pow(10.0, decade);
         for (const double value :
              {1.0, 1.5, 2.5, 1.25, 1.005, 1.115, 1.0005, 9.995, 9.9995, 4.5035996273704960})
             values.insert(values.end(),
                           {value * scale, std::nextafter(value * scale, 0),
                            std::nextafter(value * scale, 1e300), value * scale + 0.5, value / scale});
+    }
     for (int half = 0; half < 4000; ++half)
         values.push_back(half * 0.0625);
     for (const double value : values)
