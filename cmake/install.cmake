@@ -36,6 +36,11 @@ install(DIRECTORY common DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING
 
 if(WIN32)
     install(FILES ${KRCOMMON_RUNTIME_DLLS} DESTINATION ${KRCOMMON_HOME})
+    get_property(licenses GLOBAL PROPERTY KRCOMMON_FOREIGN_LICENSES)
+    while(licenses)
+        list(POP_FRONT licenses file name)
+        install(FILES ${file} DESTINATION licenses RENAME ${name})
+    endwhile()
 else()
     foreach(name libKRCommon.so libKRCommon.so.${PROJECT_VERSION_MAJOR})
         install(CODE "file(CREATE_LINK tarnwell/libKRCommon.so.${PROJECT_VERSION_MAJOR}

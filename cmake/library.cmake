@@ -7,7 +7,7 @@ target_compile_features(KRCommon PUBLIC cxx_std_20)
 target_compile_definitions(KRCommon PRIVATE KRCOMMON_BUILDING)
 target_include_directories(KRCommon PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
                                            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-target_link_libraries(KRCommon PRIVATE Threads::Threads ${CMAKE_DL_LIBS})
+target_link_libraries(KRCommon PRIVATE krcommon_zstd Threads::Threads ${CMAKE_DL_LIBS})
 
 if(NOT WIN32)
     # Nobody replaces single functions of this library at load time, so its own calls may be direct and inlined, as

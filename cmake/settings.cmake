@@ -5,6 +5,7 @@ if(PROJECT_IS_TOP_LEVEL AND KRCOMMON_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_L
     # Paths below the source tree count as relative, so that all clones of the project share what was compiled once.
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
         ${KRCOMMON_CCACHE})
+    set(CMAKE_C_COMPILER_LAUNCHER ${CMAKE_CXX_COMPILER_LAUNCHER})
 endif()
 
 if(KRCOMMON_SANITIZE)
