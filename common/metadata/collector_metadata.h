@@ -3,6 +3,7 @@
 #include "common/export.h"
 #include "common/metadata/metadata.h"
 
+#include <iosfwd>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,9 +24,16 @@ public:
     /// (key, value) in the order of declaration.
     const ValueList& getValues() const { return m_values; }
 
+protected:
+    void serialize_i(Serializer& out) const override;
+    int deserialize_i(Serializer& in, unsigned reserved) override;
+
 private:
     std::string m_name;
     ValueList m_values;
 };
+
+/// The record as text for people, one item a line.
+KRCOMMON_API std::ostream& operator<<(std::ostream& out, const CollectorMetadata& record);
 
 } // namespace pwr

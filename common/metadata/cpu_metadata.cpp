@@ -1,5 +1,6 @@
 #include "common/metadata/cpu_metadata.h"
 
+#include "common/metadata/serializer.h"
 #include "common/plugin/logger.h"
 #include "common/pw_utils.h"
 #include "common/tokenizer.h"
@@ -75,6 +76,45 @@ void CPUMetadata::buildHWQFeedbackMapping(const std::string& text) {
 
 void CPUMetadata::addTopologyChange(const TopologyChange& change) {
     m_topologyChanges.push_back(change);
+}
+
+void CPUMetadata::serializePlatformMetadata(Serializer& out) const {
+    PlatformMetadata::serializePlatformMetadata(out);
+    out.write(pw_u16_t{m_family}, pw_u16_t{m_model}, pw_u16_t{m_stepping}, busFreq, lfmFreq, hfmFreq,
+              baseOpFreq, platformId, microcodeRevision);
+    m_topology.serializeTree(out);
+    m_topology.serializeHWQ(out);
+    out.write(static_cast<pw_u16_t>(m_topologyChanges.size()));
+    for (const TopologyChange& change : m_topologyChanges) {
+        change.serialize(out);
+    }
+}
+
+int CPUMetadata::deserializePlatformMetadata(Serializer& in) {
+    m_topologyChanges.clear();
+    std::array<pw_u16_t, 3> fms{};
+    if (PlatformMetadata::deserializePlatformMetadata(in) != 0 || in.read(fms[0]) == 0 ||
+        in.read(fms[1]) == 0 || in.read(fms[2]) == 0) {
+        return 1;
+    }
+    setFMS(static_cast<pw_u8_t>(fms[0]), static_cast<pw_u8_t>(fms[1]), static_cast<pw_u8_t>(fms[2]));
+    if (in.read(busFreq) == 0 || in.read(lfmFreq) == 0 || in.read(hfmFreq) == 0 || in.read(baseOpFreq) == 0 ||
+        in.read(platformId) == 0 || in.read(microcodeRevision) == 0) {
+        return 1;
+    }
+    // What remains of a broken tree or mapping must not be taken for the changes behind it.
+    pw_u16_t changes = 0;
+    if (m_topology.deserializeTree(in) != 0 || m_topology.deserializeHWQ(in) != 0 || in.read(changes) == 0) {
+        return 1;
+    }
+    for (unsigned i = 0; i < changes; ++i) {
+        TopologyChange change;
+        if (change.deserialize(in) != 0) {
+            return 1;
+        }
+        m_topologyChanges.push_back(std::move(change));
+    }
+    return 0;
 }
 
 } // namespace pwr

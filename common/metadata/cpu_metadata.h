@@ -51,6 +51,10 @@ public:
     const std::vector<TopologyChange>& getTopologyChanges() const { return m_topologyChanges; }
     void addTopologyChange(const TopologyChange& change);
 
+    void serializePlatformMetadata(Serializer& out) const override;
+    /// As the base says. A broken topology fails the object too: what stands behind it is not found.
+    int deserializePlatformMetadata(Serializer& in) override;
+
 private:
     std::tuple<pw_u8_t, pw_u8_t, pw_u8_t> fms_i() const { return {m_family, m_model, m_stepping}; }
 

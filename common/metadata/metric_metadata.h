@@ -4,6 +4,7 @@
 #include "common/metadata/metadata.h"
 #include "common/pw_types.h"
 
+#include <iosfwd>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,10 +30,17 @@ public:
     /// The host's numbers in the place of the collector's own.
     void setIDs(pw_u32_t pluginId, pw_u32_t metricId);
 
+protected:
+    void serialize_i(Serializer& out) const override;
+    int deserialize_i(Serializer& in, unsigned reserved) override;
+
 private:
     pw_u32_t m_pluginId = 0;
     pw_u32_t m_metricId = 0;
     ValueList m_values;
 };
+
+/// The record as text for people, one item a line.
+KRCOMMON_API std::ostream& operator<<(std::ostream& out, const MetricMetadata& record);
 
 } // namespace pwr

@@ -5,6 +5,7 @@
 #include "common/metadata/operation_metadata.h"
 #include "common/pw_types.h"
 
+#include <iosfwd>
 #include <memory>
 #include <set>
 #include <string>
@@ -51,6 +52,10 @@ public:
     void addMetaValue(std::unique_ptr<const OperationMetadata> operation);
     void addMetaValue(OperationMetadata operation);
 
+protected:
+    void serialize_i(Serializer& out) const override;
+    int deserialize_i(Serializer& in, unsigned reserved) override;
+
 private:
     pw_u32_t m_pluginId = 0;
     pw_u32_t m_metricId = 0;
@@ -63,5 +68,8 @@ private:
     std::set<std::string> m_triggers;
     std::set<std::string> m_tracepointNames;
 };
+
+/// The record as text for people, one item a line.
+KRCOMMON_API std::ostream& operator<<(std::ostream& out, const MsgMetadata& record);
 
 } // namespace pwr

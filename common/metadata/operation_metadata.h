@@ -4,6 +4,7 @@
 #include "common/metadata/metadata.h"
 #include "common/pw_types.h"
 
+#include <iosfwd>
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,7 +32,13 @@ public:
     /// (key, value) in the order of declaration.
     const ValueList& getValues() const { return m_values; }
 
+protected:
+    void serialize_i(Serializer& out) const override;
+    int deserialize_i(Serializer& in, unsigned reserved) override;
+
 private:
+    int readValues_i(Serializer& in);
+
     std::string m_name;
     std::string m_operation;
     pw_u32_t m_size = 0;
@@ -51,5 +58,8 @@ public:
     ValueList::const_iterator begin() const { return getValues().begin(); }
     ValueList::const_iterator end() const { return getValues().end(); }
 };
+
+/// The record as text for people, one item a line.
+KRCOMMON_API std::ostream& operator<<(std::ostream& out, const OperationMetadata& record);
 
 } // namespace pwr

@@ -9,6 +9,8 @@
 
 namespace pwr {
 
+class Serializer;
+
 /// What kind of platform object stands behind a number of a saved collection. Persistent: never renumber.
 enum class PlatformType : pw_u16_t { GENERIC = 0, CPU = 1, CXH = 2 };
 
@@ -47,6 +49,13 @@ public:
     /// Whether such a platform was found.
     void setConfigSpecifierFound(bool found) { m_configSpecifierFound = found; }
     bool checkConfigSpecifierFound() const { return m_configSpecifierFound; }
+
+    /// Writes the object as it stands in the system record, behind its PlatformType. Derived objects
+    /// write this part first. The two flags are not saved.
+    virtual void serializePlatformMetadata(Serializer& out) const;
+    /// Reads the object in place of what it holds; all texts may be empty. 0, or 1 when something is
+    /// missing; what was read until then stays.
+    virtual int deserializePlatformMetadata(Serializer& in);
 
 private:
     std::string m_specifierType;

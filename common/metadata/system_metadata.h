@@ -93,6 +93,10 @@ public:
     /// type is no CPUMetadata.
     CPUMetadata* getCPUMetadata();
     const CPUMetadata* getCPUMetadata() const;
+
+protected:
+    void serialize_i(Serializer& out) const override;
+    int deserialize_i(Serializer& in, unsigned reserved) override;
 };
 
 } // namespace pwr

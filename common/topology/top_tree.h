@@ -15,6 +15,8 @@
 
 namespace pwr {
 
+class Serializer;
+
 /// The processors of a machine: packages that hold modules or dies, which hold cores, which hold
 /// hardware threads. Built from the collector's text or node by node. Owns every node; the nodes
 /// keep their addresses as long as the tree lives.
@@ -63,16 +65,39 @@ public:
     void getAllThreads(std::vector<const TNode*>& nodes) const;
     void getAllNodesOfType(std::vector<const TNode*>& nodes, top_node_type type) const;
 
+    /// Writes the tree as it is saved, packages in the order of their ids.
+    void serializeTree(Serializer& out) const;
+    /// Reads a tree in place of this one, children as they are sorted by id, equal ids in the order
+    /// of the stream, and numbers it. 0, or 1 when the bytes end too early, when a node's type cannot
+    /// stand where it does, when a package id repeats or when it nests deeper than c_maxDepth: what
+    /// was read until then stays and is numbered, and the reading position means nothing.
+    int deserializeTree(Serializer& in);
+    static constexpr std::size_t c_maxDepth = 16;
+
+    // The same in the form of collections before 2025.3.1, whose cores tell no model; they become
+    // plain nodes when they are read.
+    void serializeTreeDeprecated(Serializer& out) const;
+    int deserializeTreeDeprecated(Serializer& in);
+
+    /// Writes the HWQ mapping as it is saved.
+    void serializeHWQ(Serializer& out) const;
+    /// Reads a mapping in place of this one: 0, or 1 when it is not there as a whole; it is empty then.
+    int deserializeHWQ(Serializer& in);
+
     /// Writes the tree, one indented line a node, to the debug log when that is switched on for the
     /// tag "topology".
     void dumpPackages() const;
 
 private:
     class Builder;
+    class Reader;
 
     NodeMap& mapOf_i(top_node_type type) { return m_maps[static_cast<std::size_t>(type)]; }
     TNode* stepDown_i(TNode* parent, int id, top_node_type type);
     void number_i();
+    void clearTree_i();
+    int readTree_i(Serializer& in, bool withModels);
+    void writeTree_i(Serializer& out, bool withModels) const;
 
     std::deque<TNode> m_nodes;
     std::deque<TNodeCore> m_cores;

@@ -5,9 +5,12 @@
 #include "common/pw_types.h"
 
 #include <cstddef>
+#include <iosfwd>
 #include <string>
 
 namespace pwr {
+
+class Serializer;
 
 /// What happened to a processor; any other number means nothing. Persistent: never renumber.
 enum class cpu_action : pw_u32_t { OFFLINE = 1, ONLINE_PREPARE = 2, ONLINE = 3 };
@@ -33,6 +36,12 @@ public:
     /// -1 when unknown.
     pw_s32_t getModuleID() const { return m_moduleId; }
 
+    /// Writes the change as it is saved, in 22 bytes.
+    void serialize(Serializer& out) const;
+    /// Reads it back: 0, or -1 and a warning about the first item that is missing; the change stays
+    /// as it was then.
+    int deserialize(Serializer& in);
+
 private:
     pw_u64_t m_timestamp = 0;
     cpu_action m_action{};
@@ -42,5 +51,8 @@ private:
     pw_s32_t m_moduleId = -1;
     std::string m_actionName;
 };
+
+/// The change as text for people, in seven lines.
+KRCOMMON_API std::ostream& operator<<(std::ostream& out, const TopologyChange& change);
 
 } // namespace pwr
