@@ -34,6 +34,8 @@ public:
         std::uint64_t values = 0;
         std::uint64_t blocks = 0;
         std::uint64_t lastTick = 0;
+        std::uint16_t formatMajor = 0; ///< of the file, by its header; 0 when the header is damaged
+        std::uint16_t formatMinor = 0;
     };
 
     /// Null with the reason, path included, in `error`: no such file, not a saved collection, or of a newer format.
