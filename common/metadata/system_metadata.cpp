@@ -8,6 +8,10 @@ SystemMetadata::SystemMetadata() : Metadata(__metadata_data_type::SYSTEM) {}
 
 SystemMetadata::~SystemMetadata() = default;
 
+SystemMetadata::SystemMetadata(SystemMetadata&&) noexcept = default;
+
+SystemMetadata& SystemMetadata::operator=(SystemMetadata&&) noexcept = default;
+
 void SystemMetadata::setPlatformMetadata(PlatformType type, PlatformMetadata* object) {
     if (object == nullptr) {
         platformMetadata.erase(type);

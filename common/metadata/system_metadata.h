@@ -9,6 +9,7 @@
 #include "common/tw_clock.h"
 
 #include <deque>
+#include <iosfwd>
 #include <map>
 #include <memory>
 #include <string>
@@ -19,7 +20,8 @@ namespace pwr {
 
 class CPUMetadata;
 
-/// A PCI device of the machine that a collection ran on: where it is, what it is, how it is called.
+/// A PCI device of the machine that a collection ran on: where it is, what it is, how it is called
+/// ("" when nobody knows).
 struct PCIDevice {
     pw_u16_t segment = 0;
     pw_u8_t bus = 0;
@@ -42,6 +44,8 @@ public:
     ~SystemMetadata() override;
     SystemMetadata(const SystemMetadata&) = delete;
     SystemMetadata& operator=(const SystemMetadata&) = delete;
+    SystemMetadata(SystemMetadata&&) noexcept;
+    SystemMetadata& operator=(SystemMetadata&&) noexcept;
 
     std::map<pw_u32_t, std::string> sidMap;      ///< stream id to clock UUID; UUIDs are not empty
     pw_u32_t appVersion = c_currentSavedVersion; ///< format version of the record, packed
@@ -94,9 +98,43 @@ public:
     CPUMetadata* getCPUMetadata();
     const CPUMetadata* getCPUMetadata() const;
 
+    /// A time value as "2026-11-21 05:23:51 UTC"; "NA" for 0, which is an unknown time, and for times
+    /// after the year 9999.
+    static std::string formatTimevalAsString(pw_u64_t timeval);
+    /// When the collection began, and when the program was started, in that form.
+    std::string getCollectionStartTime() const;
+    std::string getProgramStartTime() const;
+    /// Seconds from begin to end of the collection: by the time values, or by the default clock where they
+    /// are unknown or went backwards; 0 when neither tells.
+    double getCollectionDurationSec() const;
+
+    // The headers of a report. What is not known is shown as "NA", or its line is left out where nothing
+    // but the processor's object could fill it. Only this record decides what they say, except that a
+    // record without synchronised clocks names the default clock of the environment.
+
+    /// A banner between two lines of dashes: product and version; when detailed, also what is known of the
+    /// build and of the driver.
+    std::string getVersionHeader(bool isDetailed) const;
+    /// Command line, times, clock and duration of the collection.
+    std::string getCollectionHeader() const;
+    /// The machine: system, processor, devices and topology. The S0ix states of a die are those that a
+    /// platform object lists in its metadata value "S0IX-SUBSTATES-" + die name: numbers separated by
+    /// blanks or commas, so that "0 1" of the die SOC gives "S0i2.0, S0i2.1".
+    std::string getSystemHWHeader() const;
+
 protected:
+    /// Writes the record in the form of docs/formats/system-record.md, whatever its version says, and
+    /// makes its version the one that the process handles. Platform objects that could not be read back
+    /// are left out: null, or of another kind than their type.
     void serialize_i(Serializer& out) const override;
+    /// Reads the record in place of this one. -1, after a warning, when something is missing that every
+    /// collection has. From the sample counts on, what a collection before 2025.3.1 does not hold keeps
+    /// its default; a later one must be whole, because its platform objects stand at the end. Afterwards
+    /// the entities of the processor topology are those of this record.
     int deserialize_i(Serializer& in, unsigned reserved) override;
 };
+
+/// The record as text for people, one item a line.
+KRCOMMON_API std::ostream& operator<<(std::ostream& out, const SystemMetadata& system);
 
 } // namespace pwr
