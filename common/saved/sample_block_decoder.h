@@ -19,7 +19,16 @@ public:
     SampleBlockDecoder& operator=(const SampleBlockDecoder&) = delete;
     ~SampleBlockDecoder();
 
-    /// The payload must stay until the last next(). 0; or 1 and the reason in `error`: no reading is given then.
+    /// The number of the reference that a block's payload counts from; 0 when it needs none, also when it is too
+    /// damaged to tell. For readers that have to look for a reference's copy.
+    static std::uint32_t referenceOf(std::span<const char> payload);
+
+    /// Learns a reference from its payload; the last few are kept. 0; or 1 and the reason in `error`. What open()
+    /// made of earlier ones stays.
+    int addReference(std::span<const char> payload, std::string& error);
+    bool hasReference(std::uint32_t number) const;
+
+    /// Takes a copy of the payload. 0; or 1 and the reason in `error`: no reading is given then.
     int open(std::span<const char> payload, std::string& error);
     /// False at the end.
     bool next(CollectionData& reading);
