@@ -4,6 +4,7 @@
 #include "common/metadata/metric_metadata.h"
 #include "common/plugin/collector_plugin.h"
 #include "common/plugin/metric_plugin.h"
+#include "common/plugin/reading_precision.h"
 
 #include <map>
 
@@ -106,6 +107,7 @@ void MessageSet::execute(const std::string& trigger, const std::vector<MetricPlu
             ++m_failedReads;
             continue;
         }
+        pwr::dropMeaninglessDigits(message->data.header());
         count_i(message->data);
         for (MetricPlugin* metric : metrics) {
             metric->processMessage(message->data);
