@@ -9,7 +9,10 @@ target_include_directories(KRCommon PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DI
                                            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_link_libraries(KRCommon PRIVATE krcommon_zstd Threads::Threads ${CMAKE_DL_LIBS})
 
-if(NOT WIN32)
+if(WIN32)
+    # Lists the machine's devices.
+    target_link_libraries(KRCommon PRIVATE setupapi)
+else()
     # Nobody replaces single functions of this library at load time, so its own calls may be direct and inlined, as
     # they are on Windows.
     target_compile_options(KRCommon PRIVATE -fno-semantic-interposition)

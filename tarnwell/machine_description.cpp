@@ -1,108 +1,89 @@
 #include "tarnwell/machine_description.h"
 
-#include "common/line_reader.h"
-#include "common/metadata/cpu_metadata.h"
+#include "common/metadata/system_metadata.h"
 #include "common/platform/system_info.h"
-#include "common/pw_utils.h"
-#include "tarnwell/machine_topology.h"
+#include "common/platform/virtualization.h"
+#include "tarnwell/machine_text.h"
+#include "tarnwell/pci_description.h"
+#include "tarnwell/processor_description.h"
 
-#include <charconv>
-#include <map>
-#include <memory>
+#include <array>
 
 namespace tarnwell {
 namespace {
 
-constexpr float kKilohertzPerMegahertz = 1000.0F;
+/// Small files whose text is kept under a name.
+struct NamedFile {
+    const char* path;
+    const char* name;
+};
+constexpr std::array<NamedFile, 4> kPlatformFiles{{
+    {"/sys/class/dmi/id/sys_vendor", "system vendor"},
+    {"/sys/class/dmi/id/product_name", "system product"},
+    {"/sys/class/dmi/id/bios_version", "firmware version"},
+    {"/sys/class/dmi/id/bios_date", "firmware date"},
+}};
+constexpr std::array<const char*, 2> kReleaseFiles{"/etc/os-release", "/usr/lib/os-release"};
 
-std::string textOf(const pwr::MachineFiles& machine, const std::string& path) {
-    std::string text;
-    if (machine.read(path, text) != pwr::MachineStatus::OK) {
-        return {};
-    }
-    const std::size_t last = text.find_last_not_of(" \n\r\t");
-    return last == std::string::npos ? std::string() : text.substr(0, last + 1);
+/// The first text that is not empty; "unknown" without one, because the saved texts must not be empty: an empty
+/// one reads back as missing.
+std::string known(const std::string& text, const std::string& otherwise) {
+    return !text.empty() ? text : otherwise.empty() ? "unknown" : otherwise;
 }
 
-/// "key : value" lines up to the first blank line, as /proc/cpuinfo describes one processor.
-std::map<std::string, std::string> firstProcessorOf(const std::string& text) {
-    std::map<std::string, std::string> facts;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        const std::string line = text.substr(at, end - at);
-        at = end + 1;
-        if (line.empty()) {
-            break;
+/// The full name of the distribution, with its release.
+std::string distributionOf(const pwr::MachineFiles& machine) {
+    for (const char* const file : kReleaseFiles) {
+        const auto facts = factsOf(textOf(machine, file), '=');
+        for (const char* const name : {"PRETTY_NAME", "NAME"}) {
+            const auto fact = facts.find(name);
+            if (fact != facts.end() && !fact->second.empty()) {
+                return fact->second;
+            }
         }
-        const std::size_t colon = line.find(':');
-        if (colon != std::string::npos) {
-            facts.emplace(pwr::LineReader::trim(line.substr(0, colon)),
-                          pwr::LineReader::trim(line.substr(colon + 1)));
-        }
     }
-    return facts;
+    return {};
 }
 
-unsigned numberOf(const std::string& text) {
-    unsigned value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    return value;
-}
-
-pwr::platform::ProcessorIdentity identityOf(const pwr::MachineFiles& machine, bool isLive) {
-    auto facts = firstProcessorOf(textOf(machine, "/proc/cpuinfo"));
-    if (facts.count("cpu family") == 0) {
-        return isLive ? pwr::platform::processorIdentity() : pwr::platform::ProcessorIdentity{};
+void describeSystem(const pwr::MachineFiles& machine, bool isLive, pwr::SystemMetadata& system) {
+    const auto running = isLive ? pwr::platform::operatingSystem() : pwr::platform::OperatingSystem{};
+    system.hostName = known(textOf(machine, "/proc/sys/kernel/hostname"), running.hostName);
+    system.osName = known(textOf(machine, "/proc/sys/kernel/ostype"), running.name);
+    system.osVersion = known(textOf(machine, "/proc/sys/kernel/osrelease"), running.version);
+    system.osType = known(textOf(machine, "/proc/sys/kernel/arch"), running.type);
+    if (const std::string distribution = distributionOf(machine); !distribution.empty()) {
+        system.platformSpecifiers.emplace_back("distribution", distribution);
     }
-    return {numberOf(facts["cpu family"]), numberOf(facts["model"]), numberOf(facts["stepping"]),
-            facts["model name"]};
-}
-
-pwr::platform::OperatingSystem operatingSystemOf(const pwr::MachineFiles& machine, bool isLive) {
-    pwr::platform::OperatingSystem system;
-    system.hostName = textOf(machine, "/proc/sys/kernel/hostname");
-    system.name = textOf(machine, "/proc/sys/kernel/ostype");
-    system.version = textOf(machine, "/proc/sys/kernel/osrelease");
-    system.type = textOf(machine, "/proc/sys/kernel/arch");
+    if (!running.edition.empty()) {
+        system.platformSpecifiers.emplace_back("edition", running.edition);
+    }
     if (isLive) {
-        const pwr::platform::OperatingSystem running = pwr::platform::operatingSystem();
-        system.hostName = system.hostName.empty() ? running.hostName : system.hostName;
-        system.name = system.name.empty() ? running.name : system.name;
-        system.version = system.version.empty() ? running.version : system.version;
-        system.type = system.type.empty() ? running.type : system.type;
+        const pwr::platform::Virtualization facts = pwr::platform::virtualization();
+        system.hyperVEnabled = facts.hasHypervisor;
+        system.vsmEnabled = facts.hasSecureMode;
+        system.hvciEnabled = facts.protectsCodeIntegrity;
     }
-    return system;
 }
 
-float frequencyOf(const pwr::MachineFiles& machine, const char* file) {
-    const std::string text = textOf(machine, std::string("/sys/devices/system/cpu/cpu0/cpufreq/") + file);
-    return static_cast<float>(numberOf(text)) / kKilohertzPerMegahertz;
-}
-
-/// The saved texts must not be empty: an empty one reads back as missing.
-std::string known(const std::string& text) {
-    return text.empty() ? "unknown" : text;
+void describePlatform(const pwr::MachineFiles& machine, pwr::SystemMetadata& system) {
+    for (const NamedFile& file : kPlatformFiles) {
+        if (const std::string text = textOf(machine, file.path); !text.empty()) {
+            system.platformSpecifiers.emplace_back(file.name, text);
+        }
+    }
 }
 
 } // namespace
 
 void describeMachine(const pwr::MachineFiles& machine, bool isLive, pwr::SystemMetadata& system) {
-    const pwr::platform::OperatingSystem os = operatingSystemOf(machine, isLive);
-    const pwr::platform::ProcessorIdentity processor = identityOf(machine, isLive);
-    system.hostName = known(os.hostName);
-    system.osName = known(os.name);
-    system.osType = known(os.type);
-    system.osVersion = known(os.version);
-    system.platformName = known(processor.brand);
-
-    auto cpu = std::make_unique<pwr::CPUMetadata>();
-    cpu->setFMS(static_cast<pw_u8_t>(processor.family), static_cast<pw_u8_t>(processor.model),
-                static_cast<pw_u8_t>(processor.stepping));
-    cpu->lfmFreq = frequencyOf(machine, "cpuinfo_min_freq");
-    cpu->hfmFreq = frequencyOf(machine, "cpuinfo_max_freq");
-    cpu->baseOpFreq = frequencyOf(machine, "base_frequency");
-    cpu->buildTopology(topologyText(machine, isLive), 0);
-    system.setPlatformMetadata(pwr::PlatformType::CPU, cpu.release());
+    const NoFiles none;
+    const bool readsFiles = !isLive || pwr::platform::keepsCountersInFiles();
+    const pwr::MachineFiles& files = readsFiles ? machine : none;
+    describeSystem(files, isLive, system);
+    describeProcessor(files, isLive, system);
+    describePlatform(files, system);
+    describePci(files, isLive, system);
+    system.platformName = known(system.platformName, {});
 }
 
 } // namespace tarnwell

@@ -27,9 +27,11 @@ struct CoreKind {
     const char* path;
     std::uint32_t type;
 };
+constexpr std::uint32_t kFastCore = 0x40000000;
+constexpr std::uint32_t kSmallCore = 0x20000000;
 constexpr std::array<CoreKind, 2> kCoreKinds{{
-    {"/sys/devices/cpu_core/cpus", 0x40000000},
-    {"/sys/devices/cpu_atom/cpus", 0x20000000},
+    {"/sys/devices/cpu_core/cpus", kFastCore},
+    {"/sys/devices/cpu_atom/cpus", kSmallCore},
 }};
 
 std::string processorFolder(int processor) {
@@ -108,6 +110,20 @@ void forgetSingleDies(std::vector<Processor>& processors) {
     }
 }
 
+/// Where the system only ranks its cores, the highest rank is the fast kind, if there are several ranks.
+void addRankedTypes(const std::vector<Processor>& processors, std::map<int, std::uint32_t>& types) {
+    const auto [least, most] =
+        std::minmax_element(processors.begin(), processors.end(), [](const Processor& a, const Processor& b) {
+            return a.efficiencyClass < b.efficiencyClass;
+        });
+    if (least == processors.end() || least->efficiencyClass == most->efficiencyClass) {
+        return;
+    }
+    for (const Processor& processor : processors) {
+        types[processor.thread] = processor.efficiencyClass == most->efficiencyClass ? kFastCore : kSmallCore;
+    }
+}
+
 std::map<int, std::uint32_t> coreTypes(const MachineFiles& machine) {
     std::map<int, std::uint32_t> types;
     for (const CoreKind& kind : kCoreKinds) {
@@ -128,10 +144,11 @@ std::string topologyText(const MachineFiles& machine, bool isLive) {
         processors = pwr::platform::logicalProcessors();
     }
     if (processors.empty()) {
-        processors.push_back({0, 0, 0, kAbsent, kAbsent});
+        processors.push_back({0, 0, 0, kAbsent, kAbsent, kAbsent});
     }
     forgetSingleDies(processors);
-    const std::map<int, std::uint32_t> types = coreTypes(machine);
+    std::map<int, std::uint32_t> types = coreTypes(machine);
+    addRankedTypes(processors, types);
     std::string text;
     for (const Processor& processor : processors) {
         const auto type = types.find(processor.thread);

@@ -7,6 +7,7 @@
 #include "common/platform/interrupt.h"
 #include "common/plugin/metric_plugin.h"
 #include "common/pw_utils.h"
+#include "tarnwell/build_facts.h"
 #include "tarnwell/collection.h"
 #include "tarnwell/doctor.h"
 #include "tarnwell/exit_code.h"
@@ -120,6 +121,7 @@ private:
     int collect_i() {
         m_environment.openStream(m_plugins.writers());
         describeMachine(m_machine, !m_clock.isRecorded() && m_settings.machine == "/", m_system);
+        describeBuild(m_system);
         describeRun(m_settings, m_clock, m_system);
         pwr::DataHandleProvider::initTopology(m_system);
         if (m_messages.open(m_plugins.collectors(), m_chosen) != 0) {

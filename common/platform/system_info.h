@@ -15,29 +15,20 @@ struct LogicalProcessor {
     int core = -1; ///< unique within its package
     int module = -1;
     int die = -1;
+    int efficiencyClass = -1; ///< higher for the faster kind of core; equal on machines with one kind
 };
 
 /// The logical processors that the system's own call reports, in ascending thread order.
 /// Empty on systems that describe their topology in files instead.
 KRCOMMON_API std::vector<LogicalProcessor> logicalProcessors();
 
-/// What the processor says of itself.
-struct ProcessorIdentity {
-    unsigned family = 0;
-    unsigned model = 0;
-    unsigned stepping = 0;
-    std::string brand;
-};
-
-/// Reads the processor's identification instruction; all zero where there is none.
-KRCOMMON_API ProcessorIdentity processorIdentity();
-
 /// The operating system that the program runs on.
 struct OperatingSystem {
     std::string hostName;
     std::string name;    ///< for example "Linux"
     std::string type;    ///< machine type, for example "x86_64"
-    std::string version; ///< kernel release or build number
+    std::string version; ///< kernel release, or version with build number
+    std::string edition; ///< which of the product's editions and releases; "" where files tell it
 };
 
 KRCOMMON_API OperatingSystem operatingSystem();

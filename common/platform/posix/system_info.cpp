@@ -13,7 +13,7 @@ OperatingSystem operatingSystem() {
     if (uname(&names) != 0) {
         return {};
     }
-    return {names.nodename, names.sysname, names.machine, names.release};
+    return {names.nodename, names.sysname, names.machine, names.release, {}};
 }
 
 bool keepsCountersInFiles() {

@@ -1,9 +1,11 @@
 #include "common/platform/system_info.h"
 
+#include "common/platform/win32/registry.h"
 #include "common/platform/win32/wide_text.h"
 
 #include <algorithm>
 #include <bit>
+#include <cstdlib>
 #include <iterator>
 
 namespace pwr::platform {
@@ -41,6 +43,11 @@ std::vector<int> threadsOf(const PROCESSOR_RELATIONSHIP& relationship) {
     return threads;
 }
 
+/// The byte behind the flags, which older headers count as reserved.
+int efficiencyClassOf(const PROCESSOR_RELATIONSHIP& core) {
+    return reinterpret_cast<const BYTE*>(&core)[1];
+}
+
 /// The machine's type in the words that other systems use; the program may run emulated on another one.
 std::string machineType() {
     struct Type {
@@ -58,12 +65,15 @@ std::string machineType() {
     return found != std::end(types) ? found->name : std::string();
 }
 
-std::string registryText(const wchar_t* name) {
-    wchar_t text[256] = {};
-    DWORD size = sizeof text;
-    const wchar_t* key = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
-    const LSTATUS status = RegGetValueW(HKEY_LOCAL_MACHINE, key, name, RRF_RT_REG_SZ, nullptr, text, &size);
-    return status == ERROR_SUCCESS ? narrowText(text) : std::string();
+// The names of relationships that compilers' headers lack; systems that lack them refuse.
+constexpr auto RELATION_DIE = static_cast<LOGICAL_PROCESSOR_RELATIONSHIP>(5);
+constexpr auto RELATION_MODULE = static_cast<LOGICAL_PROCESSOR_RELATIONSHIP>(7);
+
+constexpr unsigned FIRST_BUILD_OF_11 = 22000;
+
+/// A text with another one behind it where both are there.
+std::string joined(const std::string& text, const char* between, const std::string& more) {
+    return text.empty() || more.empty() ? text + more : text + between + more;
 }
 
 } // namespace
@@ -74,21 +84,25 @@ std::vector<LogicalProcessor> logicalProcessors() {
         const auto at = std::find_if(processors.begin(), processors.end(),
                                      [&](const LogicalProcessor& p) { return p.thread == thread; });
         return at != processors.end() ? *at
-                                      : processors.emplace_back(LogicalProcessor{thread, -1, -1, -1, -1});
+                                      : processors.emplace_back(LogicalProcessor{thread, -1, -1, -1, -1, -1});
     };
-    int package = 0;
-    forEachRecord(RelationProcessorPackage, [&](const Record& record) {
-        for (const int thread : threadsOf(record.Processor)) {
-            processorOf(thread).package = package;
-        }
-        ++package;
-    });
-    int core = 0;
+    const auto number = [&](LOGICAL_PROCESSOR_RELATIONSHIP relationship, int LogicalProcessor::*place) {
+        int next = 0;
+        forEachRecord(relationship, [&](const Record& record) {
+            for (const int thread : threadsOf(record.Processor)) {
+                processorOf(thread).*place = next;
+            }
+            ++next;
+        });
+    };
+    number(RelationProcessorPackage, &LogicalProcessor::package);
+    number(RelationProcessorCore, &LogicalProcessor::core);
+    number(RELATION_DIE, &LogicalProcessor::die);
+    number(RELATION_MODULE, &LogicalProcessor::module);
     forEachRecord(RelationProcessorCore, [&](const Record& record) {
         for (const int thread : threadsOf(record.Processor)) {
-            processorOf(thread).core = core;
+            processorOf(thread).efficiencyClass = efficiencyClassOf(record.Processor);
         }
-        ++core;
     });
     for (LogicalProcessor& processor : processors) {
         processor.package = std::max(processor.package, 0);
@@ -105,12 +119,26 @@ OperatingSystem operatingSystem() {
     if (GetComputerNameW(host, &length) != 0) {
         system.hostName = narrowText(std::wstring(host, length));
     }
-    system.name = registryText(L"ProductName");
+    const wchar_t* const key = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
+    const std::string build = registryText(key, L"CurrentBuildNumber");
+    const std::uint32_t update = registryNumber(key, L"UBR");
+    system.name = registryText(key, L"ProductName");
     if (system.name.empty()) {
         system.name = "Windows";
     }
+    // The product's name was left behind when its number rose.
+    const std::size_t ten = system.name.find("Windows 10");
+    if (ten == 0 && std::strtoul(build.c_str(), nullptr, 10) >= FIRST_BUILD_OF_11) {
+        system.name.replace(0, 10, "Windows 11");
+    }
     system.type = machineType();
-    system.version = registryText(L"CurrentBuildNumber");
+    const std::uint32_t major = registryNumber(key, L"CurrentMajorVersionNumber");
+    const std::string version =
+        major == 0
+            ? registryText(key, L"CurrentVersion")
+            : std::to_string(major) + '.' + std::to_string(registryNumber(key, L"CurrentMinorVersionNumber"));
+    system.version = joined(joined(version, ".", build), ".", update == 0 ? "" : std::to_string(update));
+    system.edition = joined(registryText(key, L"EditionID"), " ", registryText(key, L"DisplayVersion"));
     return system;
 }
 
