@@ -40,7 +40,7 @@ int CollectorMetadata::deserialize_i(Serializer& in, unsigned) {
 
 std::ostream& operator<<(std::ostream& out, const CollectorMetadata& record) {
     out << "Collector Meta: Name = " << record.getName() << '\n';
-    printPayload(out, "\tCollector Metadata payload", record.getValues());
+    printPayload(out, "\tCollector Metadata payload[", record.getValues());
     return out;
 }
 

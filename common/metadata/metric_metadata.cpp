@@ -55,7 +55,7 @@ int MetricMetadata::deserialize_i(Serializer& in, unsigned) {
 std::ostream& operator<<(std::ostream& out, const MetricMetadata& record) {
     out << "Metric Metadata plugin ID: " << std::to_string(record.getPluginID()) << '\n'
         << "Metric Metadata metric ID: " << std::to_string(record.getMetricID()) << '\n';
-    printPayload(out, "\tMetric Metadata payload", record.getValues());
+    printPayload(out, "\tMetric Metadata payload[", record.getValues());
     return out;
 }
 

@@ -35,7 +35,7 @@ inline PairMiss readPairs(Serializer& in, std::size_t count, ValuePairs& pairs) 
 inline void printPayload(std::ostream& out, const char* lead, const ValuePairs& pairs) {
     std::size_t index = 0;
     for (const auto& [key, value] : pairs) {
-        out << lead << '[' << std::to_string(index++) << "]: key = " << key << ", value = " << value << '\n';
+        out << lead << std::to_string(index++) << "]: key = " << key << ", value = " << value << '\n';
     }
 }
 

@@ -1,4 +1,5 @@
 #include "common/metadata/cpu_metadata.h"
+#include "common/metadata/serializer.h"
 #include "common/metadata/system_metadata.h"
 #include "common/model/data_handle_provider.h"
 #include "common/model/entity_handle.h"
@@ -128,6 +129,37 @@ TEST_F(CpuTopologyTest, keepsTheSystemWhenTheRecordIsUnusable) {
     build(TWO_PACKAGES);
     EXPECT_EQ(0, DataHandleProvider::resetTopology(m_system));
     EXPECT_EQ("2 1 3 4", counts());
+}
+
+TEST_F(CpuTopologyTest, warnsAboutSavedTreesThatMakeNoSense) {
+    struct Case {
+        const char* name;
+        std::vector<int> words; // id and type of each node, -1 behind its children
+        const char* warning;
+        const char* counts;
+    };
+    const char* const broken = "WARNING: Topology is broken";
+    for (const Case& c : {
+             Case{"a thread in a thread", {0, 1, 0, 4, 1, 4, -1, -1, -1}, broken, "1 0 0 1"},
+             Case{"a core in a thread", {0, 1, 0, 4, 1, 3, 7, -1, -1, -1}, broken, "1 0 0 1"},
+             Case{"more dies in dies than there are levels",
+                  {0, 1, 1, 6, 2, 6, 3, 6, 4, 6, 5, 6, 6, 6, 0, 4, -1, -1, -1, -1, -1, -1, -1, -1},
+                  broken,
+                  "1 0 0 0"},
+             Case{"a thread without core, below a tile", {0, 1, 0, 7, 0, 4, -1, -1, -1}, "", "1 0 0 1"},
+             Case{"cut off", {0, 1, 0, 4}, "", "1 0 0 1"},
+         }) {
+        Serializer out(0);
+        out.write(pw_u16_t{1});
+        for (const int word : c.words) {
+            out.write(word);
+        }
+        Serializer in(out.get_buffer());
+        tree().deserializeTree(in);
+        EXPECT_EQ(*c.warning == '\0' ? 0 : 1, DataHandleProvider::resetTopology(m_system)) << c.name;
+        EXPECT_EQ(c.warning, m_log.take()) << c.name;
+        EXPECT_EQ(c.counts, counts()) << c.name;
+    }
 }
 
 TEST_F(CpuTopologyTest, replacesOnlyWhatItBuilt) {
