@@ -124,7 +124,7 @@ template <class T> bool takeAll(PayloadReader& in, std::vector<T>& items) {
 
 void put(PayloadWriter& out, const SavedInstances& message) {
     out.put(message.message.plugin, message.message.metric, message.message.message,
-            static_cast<pw_u8_t>(message.isAddition ? 1 : 0));
+            static_cast<pw_u8_t>(message.isAddition ? 1 : 0), message.firstEntity, message.firstDescriptor);
     putAll(out, message.newEntities);
     putAll(out, message.newDescriptors);
     putAll(out, message.instances);
@@ -132,7 +132,8 @@ void put(PayloadWriter& out, const SavedInstances& message) {
 
 bool take(PayloadReader& in, SavedInstances& message) {
     pw_u8_t isAddition = 0;
-    if (!in.take(message.message.plugin, message.message.metric, message.message.message, isAddition) ||
+    if (!in.take(message.message.plugin, message.message.metric, message.message.message, isAddition,
+                 message.firstEntity, message.firstDescriptor) ||
         isAddition > 1) {
         return false;
     }

@@ -19,17 +19,20 @@ constexpr std::size_t c_bytesOfReading = 64;
 struct TextList {
     std::vector<std::string> texts;
     std::unordered_map<std::string, std::uint64_t> numbers;
+    std::size_t bytes = 0;
 
     std::uint64_t numberOf(std::string_view text) {
         const auto [found, isNew] = numbers.try_emplace(std::string(text), texts.size());
         if (isNew) {
             texts.push_back(found->first);
+            bytes += text.size() + c_bytesOfValue;
         }
         return found->second;
     }
     void clear() {
         texts.clear();
         numbers.clear();
+        bytes = 0;
     }
 };
 
@@ -425,12 +428,8 @@ void SampleBlockEncoder::add(const CollectionData& reading) {
 }
 
 std::size_t SampleBlockEncoder::heldBytes() const {
-    std::size_t size =
-        m_state->bits.size() * c_bytesOfValue + (m_state->records.size() + 1) * c_bytesOfReading;
-    for (const std::string& text : m_state->texts.texts) {
-        size += text.size() + c_bytesOfValue;
-    }
-    return size;
+    return m_state->bits.size() * c_bytesOfValue + (m_state->records.size() + 1) * c_bytesOfReading +
+           m_state->texts.bytes;
 }
 
 std::uint64_t SampleBlockEncoder::firstTick() const {
