@@ -27,6 +27,7 @@ constexpr const char* kFooter =
     "Commands:\n"
     "  tarnwell doctor             say what this machine offers, and why not the rest\n"
     "  tarnwell --feature          the same\n"
+    "  tarnwell info FILE          say what a saved collection holds\n"
     "  tarnwell [options] -- CMD   collect while CMD runs\n"
     "\n"
     "Exit codes: 0 done, 1 failed, 2 usage, 3 partial (something asked for is missing),\n"
@@ -146,6 +147,10 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     doctor->add_option("--machine", settings.machine, "look at this root folder or captured bundle")
         ->type_name("PLACE");
 
+    CLI::App* info = app.add_subcommand("info", "say what a saved collection holds, and from where it is");
+    info->add_option("FILE", settings.inputFile, "the saved collection")->required();
+    info->add_flag("--json", settings.asJson, "as JSON, for programs");
+
     const bool question = takeFeatureQuestion(own);
     try {
         std::vector<std::string> reversed(own.rbegin(), own.rend());
@@ -168,12 +173,17 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     if (parsed.error.empty() && asksDoctor && !settings.command.empty()) {
         parsed.error = "tarnwell: the list of features runs no command; leave out \"--\" and what follows\n";
     }
+    if (parsed.error.empty() && info->parsed() && !settings.command.empty()) {
+        parsed.error = "tarnwell: \"info\" runs no command; leave out \"--\" and what follows\n";
+    }
     if (!parsed.error.empty()) {
         parsed.exitCode = toInt(ExitCode::USAGE);
         return parsed;
     }
     if (asksDoctor) {
         settings.action = Settings::Action::DOCTOR;
+    } else if (info->parsed()) {
+        settings.action = Settings::Action::INFO;
     }
     parsed.settings = std::move(settings);
     return parsed;

@@ -9,7 +9,7 @@ namespace tarnwell {
 
 /// What the user asked for on the command line.
 struct Settings {
-    enum class Action : std::uint8_t { COLLECT, DOCTOR };
+    enum class Action : std::uint8_t { COLLECT, DOCTOR, INFO };
 
     Action action = Action::COLLECT;
     std::vector<std::string> features; ///< empty: every feature that the machine offers
@@ -19,6 +19,8 @@ struct Settings {
     std::vector<std::string> outputConfig; ///< empty: the files shipped beside the library
     std::string machine = "/";             ///< root folder or bundle of the machine to read
     std::string captureFile;               ///< doctor: where to write a bundle of the machine
+    std::string inputFile;                 ///< info: the saved collection
+    bool asJson = false;                   ///< info: for programs, not for people
     bool quiet = false;                    ///< no progress line
     std::vector<std::string> command;      ///< what stands behind "--"
     std::vector<std::string> arguments;    ///< all of it as given, for the record
