@@ -80,10 +80,10 @@ constexpr std::array kVersionFacts = {
 
 constexpr std::array kPlatformFacts = {
     Fact{"Name", "/display_name"},
-    Fact{"Recognised by", "/specifier_type"},
-    Fact{"Recognised values", "/specifier_values"},
-    Fact{"Must be known", "/requires_specifier", Style::YES_NO},
-    Fact{"Is known", "/specifier_found", Style::YES_NO},
+    Fact{"Specifier", "/specifier_type"},
+    Fact{"Specifier values", "/specifier_values"},
+    Fact{"Specifier needed", "/requires_specifier", Style::YES_NO},
+    Fact{"Specifier found", "/specifier_found", Style::YES_NO},
     Fact{"Family", "/cpu/family"},
     Fact{"Model", "/cpu/model"},
     Fact{"Stepping", "/cpu/stepping"},
@@ -125,6 +125,10 @@ std::string hex(std::uint64_t value, const char* format = "0x%llx") {
 std::string plain(const Json& value) {
     if (value.is_string()) {
         return printable(value.get<std::string>());
+    }
+    if (value.is_number_float()) {
+        std::array<char, 400> text{};
+        return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value.get<double>()).ptr};
     }
     if (!value.is_array()) {
         return value.is_null() ? std::string() : value.dump();
@@ -257,7 +261,8 @@ std::string platformText(const Json& platform) {
                                rows);
     if (isProcessor) {
         const Json& topology = platform.at("cpu").at("topology");
-        text += section("Processors", tableOf(topology.at("processors"), {"Id", "Name"}, {"id", "name"}));
+        text +=
+            section("Logical processors", tableOf(topology.at("processors"), {"Id", "Name"}, {"id", "name"}));
         text += section("Queues", tableOf(topology.at("hwq_mapping"), {"Key", "Value"}, {"key", "value"}));
         text +=
             section("Processors that came or went",
