@@ -153,8 +153,16 @@ public:
         m_at += run + 1 + shift;
         return std::uint64_t{run} << shift | (window >> (run + 1) & lowBits(shift));
     }
-    /// Past a number of rice(), a little faster than reading it.
-    void skipRice(unsigned shift) { rice(shift); }
+    /// Past a number of rice().
+    void skipRice(unsigned shift) {
+        const auto run =
+            static_cast<unsigned>(std::countr_zero(look_i() | std::uint64_t{1} << bit_code::c_longestRun));
+        if (run == bit_code::c_longestRun) {
+            rice(shift);
+        } else {
+            m_at += run + 1 + shift;
+        }
+    }
 
 private:
     static constexpr unsigned c_window = 57; // bits that are there for certain, from any bit of a byte on

@@ -60,7 +60,9 @@ struct Cursor {
     std::size_t exception = 0;
 };
 
-void skipRow(BitReader& in, const Part& part, bool isFirst) {
+/// Both take a copy of the reader, which stays in registers: rows could be anywhere, also where the reader stands.
+void skipRow(BitReader& stream, const Part& part, bool isFirst) {
+    BitReader in = stream;
     const auto code = [&part](ColumnCode wanted) {
         const auto at = static_cast<std::size_t>(wanted);
         return std::span(part.changing)
@@ -70,16 +72,16 @@ void skipRow(BitReader& in, const Part& part, bool isFirst) {
         return;
     }
     for (const ChangingColumn& column : code(ColumnCode::DELTA)) {
-        in.rice(column.coding.shift);
+        in.skipRice(column.coding.shift);
     }
     if (part.readings > 1) { // the second row follows from the head
         for (const ChangingColumn& column : code(ColumnCode::SECOND)) {
-            in.rice(column.coding.shift);
+            in.skipRice(column.coding.shift);
         }
     }
     for (const ChangingColumn& column : code(ColumnCode::SPARSE)) {
         if (in.bit()) {
-            in.rice(column.coding.shift);
+            in.skipRice(column.coding.shift);
         }
     }
     for (const ChangingColumn& column : code(ColumnCode::XOR)) {
@@ -87,12 +89,14 @@ void skipRow(BitReader& in, const Part& part, bool isFirst) {
             in.bits(column.coding.width);
         }
     }
+    stream = in;
 }
 
-void readRow(BitReader& in, Part& part, bool isFirst) {
+void readRow(BitReader& stream, Part& part, bool isFirst) {
     if (isFirst) {
         return;
     }
+    BitReader in = stream;
     std::uint64_t* const row = part.row.data();
     const ChangingColumn* const columns = part.changing.data();
     std::size_t i = 0;
@@ -112,6 +116,7 @@ void readRow(BitReader& in, Part& part, bool isFirst) {
         const ColumnCoding& coding = columns[i].coding;
         row[columns[i].index] ^= in.bit() ? in.bits(coding.width) << coding.shift : 0;
     }
+    stream = in;
 }
 
 struct MixedValue {
