@@ -107,6 +107,7 @@ std::string telemetryDevices(const SystemMetadata& system) {
 
 std::string busDevices(const SystemMetadata& system) {
     std::vector<std::string> names;
+    names.reserve(system.pciDevices.size());
     for (const PCIDevice& device : system.pciDevices) {
         names.push_back(system_text::deviceName(device));
     }

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <ranges>
 
 namespace pwr::saved {
 
@@ -107,7 +106,9 @@ void CollectionOpener::readListed_i(const IndexEntry& entry) {
 
 void CollectionOpener::readByIndex_i() {
     // The last record is enough, and the only one that is made: each would make its own topology.
-    for (const IndexEntry& entry : m_index->entries | std::views::reverse) {
+    const std::vector<IndexEntry>& entries = m_index->entries;
+    for (auto place = entries.rbegin(); place != entries.rend(); ++place) {
+        const IndexEntry& entry = *place;
         if (entry.kind == BlockKind::SYSTEM && !m_catalog.hasSystem()) {
             readListed_i(entry);
         }
