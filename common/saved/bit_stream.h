@@ -122,8 +122,8 @@ public:
             const std::uint64_t low = bits(32);
             return low | bits(count - 32) << 32;
         }
-        const std::uint64_t value = look_i() & lowBits(count);
-        m_at += count;
+        const std::uint64_t value = look_i(count) & lowBits(count);
+        take_i(count);
         return value;
     }
     bool bit() { return bits(1) != 0; }
@@ -143,46 +143,60 @@ public:
         return length == 1 ? bits(1) : bits(length - 1) | std::uint64_t{1} << (length - 1);
     }
     std::uint64_t rice(unsigned shift) {
-        const std::uint64_t window = look_i();
+        const std::uint64_t window = look_i(bit_code::c_longestRun + 1 + shift);
         const auto run =
             static_cast<unsigned>(std::countr_zero(window | std::uint64_t{1} << bit_code::c_longestRun));
         if (run == bit_code::c_longestRun) {
-            m_at += bit_code::c_longestRun;
+            take_i(run);
             return wide();
         }
-        m_at += run + 1 + shift;
+        take_i(run + 1 + shift);
         return std::uint64_t{run} << shift | (window >> (run + 1) & lowBits(shift));
     }
     /// Past a number of rice().
     void skipRice(unsigned shift) {
+        const std::uint64_t window = look_i(bit_code::c_longestRun + 1 + shift);
         const auto run =
-            static_cast<unsigned>(std::countr_zero(look_i() | std::uint64_t{1} << bit_code::c_longestRun));
+            static_cast<unsigned>(std::countr_zero(window | std::uint64_t{1} << bit_code::c_longestRun));
         if (run == bit_code::c_longestRun) {
             rice(shift);
         } else {
-            m_at += run + 1 + shift;
+            take_i(run + 1 + shift);
         }
     }
 
 private:
     static constexpr unsigned c_window = 57; // bits that are there for certain, from any bit of a byte on
 
-    std::uint64_t look_i() const {
-        const char* const at = m_bytes + std::min(m_at >> 3, m_size);
-        std::uint64_t word = 0;
-        if constexpr (std::endian::native == std::endian::little) {
-            std::memcpy(&word, at, sizeof word);
-        } else {
-            for (unsigned i = 0; i < sizeof word; ++i) {
-                word |= static_cast<std::uint64_t>(static_cast<unsigned char>(at[i])) << (8 * i);
+    /// At least so many of the next bits, up to the window. Loading a word waits for the length of the number before;
+    /// most numbers are still in the last word.
+    std::uint64_t look_i(unsigned count) {
+        if (m_held < count) {
+            const char* const at = m_bytes + std::min(m_at >> 3, m_size);
+            m_word = 0;
+            if constexpr (std::endian::native == std::endian::little) {
+                std::memcpy(&m_word, at, sizeof m_word);
+            } else {
+                for (unsigned i = 0; i < sizeof m_word; ++i) {
+                    m_word |= static_cast<std::uint64_t>(static_cast<unsigned char>(at[i])) << (8 * i);
+                }
             }
+            m_word >>= m_at & 7;
+            m_held = 64 - static_cast<unsigned>(m_at & 7);
         }
-        return word >> (m_at & 7);
+        return m_word;
+    }
+    void take_i(unsigned count) {
+        m_at += count;
+        m_word >>= count;
+        m_held -= count;
     }
 
     const char* m_bytes = nullptr;
     std::size_t m_size = 0;
     std::size_t m_at = 0;
+    std::uint64_t m_word = 0; // the next bits
+    unsigned m_held = 0;      // how many of them are there
 };
 
 } // namespace pwr::saved

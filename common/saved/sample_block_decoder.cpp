@@ -60,6 +60,22 @@ struct Cursor {
     std::size_t exception = 0;
 };
 
+void sortByCode(Part& part) {
+    const auto isBelow = [](const ChangingColumn& left, const ChangingColumn& right) {
+        return left.coding.code < right.coding.code;
+    };
+    if (!std::is_sorted(part.changing.begin(), part.changing.end(), isBelow)) {
+        std::stable_sort(part.changing.begin(), part.changing.end(), isBelow);
+    }
+    for (unsigned code = 0; code <= c_columnCodes; ++code) {
+        const auto first = std::partition_point(part.changing.begin(), part.changing.end(),
+                                                [code](const ChangingColumn& column) {
+                                                    return static_cast<unsigned>(column.coding.code) < code;
+                                                });
+        part.firstOfCode[code] = static_cast<std::size_t>(first - part.changing.begin());
+    }
+}
+
 /// Both take a copy of the reader, which stays in registers: rows could be anywhere, also where the reader stands.
 void skipRow(BitReader& stream, const Part& part, bool isFirst) {
     BitReader in = stream;
@@ -343,17 +359,7 @@ const char* SampleBlockDecoder::State::readColumns_i(BitReader& in, Part& part, 
         }
         part.hasMissing = part.hasMissing || part.kinds[i] == ValueKind::MISSING;
     }
-    std::stable_sort(part.changing.begin(), part.changing.end(),
-                     [](const ChangingColumn& left, const ChangingColumn& right) {
-                         return left.coding.code < right.coding.code;
-                     });
-    for (unsigned code = 0; code <= c_columnCodes; ++code) {
-        const auto first = std::partition_point(part.changing.begin(), part.changing.end(),
-                                                [code](const ChangingColumn& column) {
-                                                    return static_cast<unsigned>(column.coding.code) < code;
-                                                });
-        part.firstOfCode[code] = static_cast<std::size_t>(first - part.changing.begin());
-    }
+    sortByCode(part);
     const bool hasMixed = part.firstOfCode[c_columnCodes] != part.firstOfCode[c_columnCodes - 1];
     part.hasMissing = part.hasMissing || hasMixed;
     part.hasTexts = part.hasTexts || (hasMixed && ownTexts > 0);

@@ -26,13 +26,20 @@ unsigned bestShift(std::span<const std::uint64_t> numbers) {
     for (const std::uint64_t number : numbers) {
         ++counts[static_cast<std::size_t>(std::bit_width(number))];
     }
+    const auto used = [&counts](std::size_t width) { return counts[width] != 0; };
+    unsigned shortest = 0;
+    unsigned longest = 64;
+    for (; shortest < longest && !used(shortest); ++shortest) {}
+    for (; longest > shortest && !used(longest); --longest) {}
     unsigned best = 0;
     std::uint64_t bestLength = UINT64_MAX;
-    for (unsigned shift = 0; shift <= bit_code::c_maxShift; ++shift) {
+    // A shift below makes even the shortest numbers wide, one above only adds zeros.
+    for (unsigned shift = std::min(shortest < 5 ? 0 : shortest - 5, bit_code::c_maxShift);
+         shift <= std::min(longest, bit_code::c_maxShift); ++shift) {
         std::uint64_t length = 0;
-        for (unsigned width = 0; width < counts.size(); ++width) {
+        for (unsigned width = shortest; width <= longest; ++width) {
             const std::uint64_t middle = width < 2 ? width : std::uint64_t{3} << (width - 2);
-            length += counts[width] == 0 ? 0 : counts[width] * lengthOfRice(middle, shift);
+            length += used(width) ? counts[width] * lengthOfRice(middle, shift) : 0;
         }
         if (length < bestLength) {
             bestLength = length;
