@@ -96,7 +96,8 @@ std::string displayNameOf(const PlatformMetadata* object) {
 std::string telemetryDevices(const SystemMetadata& system) {
     std::set<pw_u32_t> guids;
     for (const auto& [endpoint, info] : system.tafEndpoints) {
-        guids.insert(info.guid);
+        const pw_u32_t guid = info.guid; // a copy, because the packed record does not align its fields
+        guids.insert(guid);
     }
     std::vector<std::string> names;
     for (const pw_u32_t guid : guids) {
