@@ -1,7 +1,7 @@
 // Arbitrary bytes as the body of a system record, of any version. A record that was read can be shown,
 // and one of a version whose form is written is written and read again as the same bytes.
 // Each record that is read makes entities, which live as long as the process: run the target in
-// portions, with -runs=200000 or -max_total_time=300 each, and it stays below half a gigabyte.
+// portions, with -runs=100000 or -max_total_time=60 each, and it stays below half a gigabyte.
 
 #include "common/metadata/saved_version.h"
 #include "common/metadata/serializer.h"
