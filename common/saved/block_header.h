@@ -33,6 +33,7 @@ struct BlockHeader {
     pw_u16_t ordinal = 0;
     pw_u32_t payloadChecksum = 0;
 
+    bool isCompressed() const { return (flags & block_flag::COMPRESSED) != 0; }
     bool isCopy() const { return (flags & block_flag::COPY) != 0; }
     bool isPreamble() const { return (flags & block_flag::PREAMBLE) != 0; }
 };

@@ -99,8 +99,7 @@ bool BlockReader::readPayload_i(Block& block, std::string& reason) {
         reason = "checksum differs";
         return false;
     }
-    return (block.header.flags & block_flag::COMPRESSED) == 0 ||
-           m_compression.unpack(block.stored, block.unpacked, reason) == 0;
+    return !block.header.isCompressed() || m_compression.unpack(block.stored, block.unpacked, reason) == 0;
 }
 
 bool BlockReader::readAt(pw_u64_t offset, Block& block, std::string& reason) {

@@ -20,9 +20,7 @@ struct Block {
     std::vector<char> stored; ///< as it stands in the file
     std::vector<char> unpacked;
 
-    const std::vector<char>& payload() const {
-        return (header.flags & block_flag::COMPRESSED) != 0 ? unpacked : stored;
-    }
+    const std::vector<char>& payload() const { return header.isCompressed() ? unpacked : stored; }
     pw_u64_t end() const { return offset + c_blockHeaderSize + header.length; }
 };
 

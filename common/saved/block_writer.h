@@ -33,6 +33,8 @@ public:
     int append(const StoredBlock& block, pw_u64_t firstTick);
     /// A block of another file as it is, its sequence included.
     int appendAsIs(const BlockHeader& header, std::span<const char> payload);
+    /// A block that is not in this file any more, for the index.
+    void noteLost(const IndexEntry& entry) { m_index.addLost(entry); }
     /// Leaves a hole in the sequences, for blocks that are known to be lost.
     void continueAt(pw_u32_t sequence) { m_nextSequence = std::max(m_nextSequence, sequence); }
     pw_u32_t nextSequence() const { return m_nextSequence; }

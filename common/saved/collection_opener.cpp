@@ -15,6 +15,24 @@ constexpr pw_u64_t c_searchedForBlocks = pw_u64_t{32} << 20;
 
 } // namespace
 
+std::optional<Index> readIndex(BlockReader& blocks, pw_u64_t fileSize, Block& block) {
+    std::array<char, c_trailerSize> bytes{};
+    Trailer trailer;
+    if (fileSize < c_fileHeaderSize + c_blockHeaderSize + c_trailerSize ||
+        blocks.fetch(fileSize - bytes.size(), bytes) != bytes.size() || !decode(bytes, trailer) ||
+        trailer.fileSize != fileSize || trailer.indexOffset > fileSize) {
+        return std::nullopt;
+    }
+    std::string reason;
+    Index index;
+    if (!blocks.readAt(trailer.indexOffset, block, reason) || !block.isUsable ||
+        block.header.kind != BlockKind::INDEX || block.end() != fileSize || block.header.isCompressed() ||
+        !decode(block.payload(), index)) {
+        return std::nullopt;
+    }
+    return index;
+}
+
 CollectionOpener::CollectionOpener(std::unique_ptr<ByteSource> source, std::string name)
     : m_source(std::move(source)), m_name(std::move(name)), m_blocks(*m_source, m_damage) {}
 
@@ -22,7 +40,10 @@ int CollectionOpener::open(std::string& error) {
     if (readHeader_i(error) != 0) {
         return 1;
     }
-    if (readIndex_i()) {
+    m_index = readIndex(m_blocks, m_source->size(), m_block);
+    if (m_index) {
+        m_blocks.setTag(m_block.header.tag);
+        m_indexOffset = m_block.offset;
         readByIndex_i();
     } else {
         readAll_i();
@@ -64,29 +85,6 @@ bool CollectionOpener::hasBlocks_i() {
     return m_blocks.find(c_fileHeaderSize, std::min(m_source->size(), c_searchedForBlocks)).has_value();
 }
 
-/// By the trailer in the end of the file.
-bool CollectionOpener::readIndex_i() {
-    const pw_u64_t size = m_source->size();
-    std::array<char, c_trailerSize> bytes{};
-    Trailer trailer;
-    if (size < c_fileHeaderSize + c_blockHeaderSize + c_trailerSize ||
-        m_blocks.fetch(size - bytes.size(), bytes) != bytes.size() || !decode(bytes, trailer) ||
-        trailer.fileSize != size || trailer.indexOffset > size) {
-        return false;
-    }
-    std::string reason;
-    Index index;
-    if (!m_blocks.readAt(trailer.indexOffset, m_block, reason) || !m_block.isUsable ||
-        m_block.header.kind != BlockKind::INDEX || m_block.end() != size ||
-        (m_block.header.flags & block_flag::COMPRESSED) != 0 || !decode(m_block.payload(), index)) {
-        return false;
-    }
-    m_blocks.setTag(m_block.header.tag);
-    m_index = std::move(index);
-    m_indexOffset = trailer.indexOffset;
-    return true;
-}
-
 /// What the index lists must be there. What is damaged is told; its copy is listed too.
 void CollectionOpener::readListed_i(const IndexEntry& entry) {
     std::string reason;
@@ -109,13 +107,14 @@ void CollectionOpener::readByIndex_i() {
     const std::vector<IndexEntry>& entries = m_index->entries;
     for (auto place = entries.rbegin(); place != entries.rend(); ++place) {
         const IndexEntry& entry = *place;
-        if (entry.kind == BlockKind::SYSTEM && !m_catalog.hasSystem()) {
+        if (entry.kind == BlockKind::SYSTEM && entry.offset != 0 && !m_catalog.hasSystem()) {
             readListed_i(entry);
         }
     }
     for (const IndexEntry& entry : m_index->entries) {
         const bool isCopy = (entry.flags & block_flag::COPY) != 0;
-        if (entry.kind != BlockKind::SYSTEM && (!isCopy || m_catalog.lacks(entry.kind, entry.ordinal))) {
+        if (entry.kind != BlockKind::SYSTEM && entry.offset != 0 &&
+            (!isCopy || m_catalog.lacks(entry.kind, entry.ordinal))) {
             readListed_i(entry);
         }
     }

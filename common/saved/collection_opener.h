@@ -11,6 +11,9 @@
 
 namespace pwr::saved {
 
+/// The index by the trailer in the end of the file; none when there is none or it is damaged. `block` holds its block.
+std::optional<Index> readIndex(BlockReader& blocks, pw_u64_t fileSize, Block& block);
+
 /// Opens a file and gathers what it says besides its readings: by the index, in a few reads, or by one pass over all
 /// blocks.
 class CollectionOpener {
@@ -41,7 +44,6 @@ public:
 private:
     int readHeader_i(std::string& error);
     bool hasBlocks_i();
-    bool readIndex_i();
     void readListed_i(const IndexEntry& entry);
     void readByIndex_i();
     void readAll_i();

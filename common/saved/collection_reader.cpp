@@ -50,7 +50,7 @@ struct CollectionReader::State {
     std::map<std::pair<id_config_t, pw_u16_t>, pw_u32_t> markedGaps;
 
     // For comparing the index with the file.
-    std::size_t listedSeen = 0;
+    pw_u64_t listedSeen = 0;
     bool isIndexWrong = false;
     pw_u64_t endOffset = 0;
 
@@ -243,7 +243,11 @@ void CollectionReader::State::checkEnd_i() {
         damage.add(opener.size(), 0, nameOf(BlockKind::INDEX), "cut short");
     }
     if (const Index* index = opener.index(); index != nullptr && report.isWhole()) {
-        if (isIndexWrong || listedSeen != index->entries.size() || index->totals != catalog.end) {
+        const auto listed =
+            static_cast<pw_u64_t>(std::ranges::count_if(index->entries, [](const IndexEntry& entry) {
+                return entry.kind != BlockKind::INDEX && entry.offset != 0;
+            }));
+        if (isIndexWrong || listedSeen != listed || index->totals != catalog.end) {
             damage.add(opener.indexOffset(), opener.size() - opener.indexOffset(), nameOf(BlockKind::INDEX),
                        "does not agree with the blocks");
         }

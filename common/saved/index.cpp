@@ -41,6 +41,14 @@ void Index::add(const BlockHeader& header, pw_u64_t offset) {
     entries.push_back({header.kind, header.flags, header.ordinal, header.sequence, offset});
 }
 
+void Index::addLost(IndexEntry entry) {
+    entry.offset = 0;
+    const auto place = std::ranges::lower_bound(entries, entry.sequence, {}, &IndexEntry::sequence);
+    if (entries.size() < c_maxEntries && (place == entries.end() || place->sequence != entry.sequence)) {
+        entries.insert(place, entry);
+    }
+}
+
 pw_u64_t Index::listedWithin(pw_u32_t first, pw_u32_t last) const {
     const auto from = std::ranges::lower_bound(entries, first, {}, &IndexEntry::sequence);
     const auto to = std::ranges::upper_bound(entries, last, {}, &IndexEntry::sequence);

@@ -28,7 +28,7 @@ struct IndexEntry {
     pw_u16_t flags = 0;
     pw_u16_t ordinal = 0;
     pw_u32_t sequence = 0;
-    pw_u64_t offset = 0;
+    pw_u64_t offset = 0; ///< 0: it is lost, but known to have held no readings
 
     bool operator==(const IndexEntry&) const = default;
 };
@@ -41,6 +41,8 @@ struct Index {
 
     /// Such a block comes: lists or counts it.
     void add(const BlockHeader& header, pw_u64_t offset);
+    /// Lists what a repaired file does not have any more.
+    void addLost(IndexEntry entry);
     /// How many of the listed blocks have sequences from `first` to `last`.
     pw_u64_t listedWithin(pw_u32_t first, pw_u32_t last) const;
 };

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
+#include <set>
 #include <system_error>
 
 namespace pwr::saved {
@@ -68,7 +70,8 @@ FileHeader headerOf(ByteSource& source, BlockReader& blocks) {
 }
 
 /// Blocks keep their running numbers, so that what is missing stays visible as a hole. So does a torn end.
-int copyBlocks(BlockReader& blocks, const DamageReport& known, pw_u64_t size, BlockWriter& out) {
+int copyBlocks(BlockReader& blocks, const DamageReport& known, pw_u64_t size, std::set<pw_u32_t>& copied,
+               BlockWriter& out) {
     constexpr std::size_t atOnce = std::size_t{4} << 20;
     Block block;
     bool hasEnd = false;
@@ -86,6 +89,9 @@ int copyBlocks(BlockReader& blocks, const DamageReport& known, pw_u64_t size, Bl
             continue;
         }
         out.appendAsIs(block.header, block.stored);
+        if (block.header.kind != BlockKind::SAMPLES && block.header.kind != BlockKind::REFERENCE) {
+            copied.insert(block.header.sequence);
+        }
         if (out.gathered() > atOnce && out.flush() != 0) {
             return 1;
         }
@@ -95,6 +101,15 @@ int copyBlocks(BlockReader& blocks, const DamageReport& known, pw_u64_t size, Bl
         out.continueAt(out.nextSequence() + 1);
     }
     return out.flush();
+}
+
+/// A hole that held no readings stays known as such.
+void noteLost(const Index& index, const std::set<pw_u32_t>& copied, BlockWriter& out) {
+    for (const IndexEntry& entry : index.entries) {
+        if (entry.kind != BlockKind::END && !copied.contains(entry.sequence)) {
+            out.noteLost(entry);
+        }
+    }
 }
 
 int writeRepaired(const std::string& from, BlockWriter& out, const DamageReport& damage,
@@ -108,7 +123,13 @@ int writeRepaired(const std::string& from, BlockWriter& out, const DamageReport&
     const FileHeader header = headerOf(*source, blocks);
     blocks.setTag(header.tag());
     out.start(header);
-    if (copyBlocks(blocks, known.report(), source->size(), out) == 0 && !damage.isWhole()) {
+    Block block;
+    const std::optional<Index> index = readIndex(blocks, source->size(), block);
+    std::set<pw_u32_t> copied;
+    if (copyBlocks(blocks, known.report(), source->size(), copied, out) == 0 && index) {
+        noteLost(*index, copied, out);
+    }
+    if (!damage.isWhole()) {
         std::vector<char> payload;
         encode(linesOf(damage), payload);
         // Notes are told apart by their running numbers.
