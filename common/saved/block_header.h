@@ -10,7 +10,7 @@
 namespace pwr::saved {
 
 /// What stands at the begin of a file. The identity tells files apart.
-struct FileHeader {
+struct KRCOMMON_API FileHeader {
     pw_u16_t major = c_formatMajor;
     pw_u16_t minor = c_formatMinor;
     std::array<char, 16> identity{};
