@@ -29,7 +29,7 @@ std::vector<std::size_t> blocksOf(const std::vector<char>& bytes) {
 } // namespace
 
 TEST_F(CollectionTest, everyFlippedBitIsNoticedAndCostsNoMoreThanItsBlock) {
-    std::vector<char> damaged = collection(2);
+    std::vector<char> damaged = collection(1);
     const Told whole = told(damaged);
     ASSERT_TRUE(whole.damage.isWhole());
     std::size_t shortest = whole.readings.size();
