@@ -126,6 +126,7 @@ void InstanceNumbering::addDescriptor_i(const DataDescriptor* descriptor, SavedI
 }
 
 InstanceResolver::InstanceResolver(const SystemMetadata& system) {
+    m_descriptors[0] = nullptr; // values that belong to an entity as such
     visitNodes(system, [this](pw_u32_t id, const EntityHandle* entity) { m_nodes.try_emplace(id, entity); });
 }
 
