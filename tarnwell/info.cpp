@@ -1,9 +1,12 @@
 #include "tarnwell/info.h"
 
 #include "common/saved/collection_reader.h"
+#include "tarnwell/command_options.h"
 #include "tarnwell/exit_code.h"
 #include "tarnwell/info_document.h"
 #include "tarnwell/settings.h"
+
+#include <CLI/CLI.hpp>
 
 #include <cstdio>
 
@@ -22,6 +25,11 @@ void readToEnd(pwr::saved::CollectionReader& reader) {
 }
 
 } // namespace
+
+void declareInfo(CLI::App& options, Settings& settings) {
+    declareSavedFile(options, settings);
+    options.add_flag("--json", settings.asJson, "as JSON, for programs");
+}
 
 int runInfo(const Settings& settings) {
     std::string error;

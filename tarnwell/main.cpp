@@ -1,5 +1,4 @@
 #include "common/platform/program.h"
-#include "tarnwell/info.h"
 #include "tarnwell/run.h"
 #include "tarnwell/settings.h"
 
@@ -17,9 +16,7 @@ int main(int argc, char** argv) {
         return isSaid ? parsed.exitCode : 1;
     }
     try {
-        const tarnwell::Settings& settings = *parsed.settings;
-        return settings.action == tarnwell::Settings::Action::INFO ? tarnwell::runInfo(settings)
-                                                                   : tarnwell::run(settings);
+        return tarnwell::run(*parsed.settings);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "tarnwell: %s\n", error.what());
     } catch (const char* text) {
