@@ -105,13 +105,13 @@ void CollectionOpener::readListed_i(const IndexEntry& entry) {
 void CollectionOpener::readByIndex_i() {
     // The last record is enough, and the only one that is made: each would make its own topology.
     const std::vector<IndexEntry>& entries = m_index->entries;
-    for (auto place = entries.rbegin(); place != entries.rend(); ++place) {
-        const IndexEntry& entry = *place;
+    for (std::size_t i = entries.size(); i-- > 0;) {
+        const IndexEntry& entry = entries[i];
         if (entry.kind == BlockKind::SYSTEM && entry.offset != 0 && !m_catalog.hasSystem()) {
             readListed_i(entry);
         }
     }
-    for (const IndexEntry& entry : m_index->entries) {
+    for (const IndexEntry& entry : entries) {
         const bool isCopy = (entry.flags & block_flag::COPY) != 0;
         if (entry.kind != BlockKind::SYSTEM && entry.offset != 0 &&
             (!isCopy || m_catalog.lacks(entry.kind, entry.ordinal))) {

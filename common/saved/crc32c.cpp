@@ -40,7 +40,7 @@ pw_u32_t crc32c(const char* bytes, std::size_t size, pw_u32_t before) {
     pw_u32_t crc = ~before;
     for (; size >= c_slices; bytes += c_slices, size -= c_slices) {
         const pw_u64_t word = stream::loadScalar<pw_u64_t>(bytes) ^ crc;
-        // Written out: as a loop it is not unrolled everywhere, and then takes twice as long.
+        // Written out: not every compiler unrolls a loop here.
         crc = c_tables[7][word & 0xFF] ^ c_tables[6][(word >> 8) & 0xFF] ^ c_tables[5][(word >> 16) & 0xFF] ^
               c_tables[4][(word >> 24) & 0xFF] ^ c_tables[3][(word >> 32) & 0xFF] ^
               c_tables[2][(word >> 40) & 0xFF] ^ c_tables[1][(word >> 48) & 0xFF] ^ c_tables[0][word >> 56];
