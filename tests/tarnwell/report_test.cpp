@@ -82,6 +82,22 @@ TEST(Report, ofRecordedMachinesIsTheExpectedText) {
     }
 }
 
+TEST(Report, ofFilesSavedOnEitherSystemIsTheSame) {
+    unsigned count = 0;
+    for (const auto& entry : fs::directory_iterator(dataFolder() / "saved_files")) {
+        if (entry.path().extension() != ".twc") {
+            continue;
+        }
+        SCOPED_TRACE(entry.path().filename().string());
+        ++count;
+        const ScratchFolder scratch;
+        const ProgramResult replay = runProgram(scratch, {"--input", entry.path().string()});
+        EXPECT_EQ(0, replay.exitCode) << replay.errors;
+        EXPECT_EQ(readFile(fs::path(entry.path()).replace_extension(".report")), replay.output);
+    }
+    EXPECT_EQ(2U, count);
+}
+
 TEST(Report, goesToFilesAsItGoesToTheStandardOutput) {
     const ScratchFolder scratch;
     const std::string prefix = (scratch.path() / "run").string();
