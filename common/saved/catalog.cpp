@@ -1,6 +1,8 @@
 #include "common/saved/catalog.h"
 
+#include "common/metadata/handled_version.h"
 #include "common/metadata/metadata.h"
+#include "common/metadata/saved_version.h"
 #include "common/metadata/serializer.h"
 #include "common/metadata/system_metadata.h"
 
@@ -97,6 +99,8 @@ bool Catalog::add(const Block& block) {
 }
 
 void Catalog::make(DamageLog& damage) {
+    // Until this file's own version is read, and for good when it is lost: not that of the file before.
+    setHandledVersion(c_currentSavedVersion);
     makeSystem_i(damage);
     makeDeclarations_i(damage);
     makeLists_i();

@@ -1,6 +1,8 @@
 #include "common/saved/payloads.h"
 
+#include "common/metadata/handled_version.h"
 #include "common/metadata/metadata.h"
+#include "common/metadata/saved_version.h"
 #include "common/metadata/serializer.h"
 #include "common/saved/payload_codec.h"
 
@@ -41,6 +43,8 @@ bool encodeRecord(const Metadata& record, std::vector<char>& bytes) {
     Serializer out(0);
     record.serialize(out);
     bytes = out.get_buffer();
+    // Records are written in the current form, whatever file was read before.
+    setHandledVersion(c_currentSavedVersion);
     Serializer in(bytes);
     const std::unique_ptr<Metadata> readBack(isDeclaration(in) ? Metadata::deserialize(in, 0) : nullptr);
     char more = 0;

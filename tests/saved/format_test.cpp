@@ -1,5 +1,8 @@
 #include "tests/saved/collection_fixture.h"
 
+#include "common/metadata/handled_version.h"
+#include "common/metadata/saved_version.h"
+#include "common/metadata/serializer.h"
 #include "common/saved/block_header.h"
 #include "common/saved/crc32c.h"
 
@@ -126,6 +129,23 @@ TEST_F(CollectionTest, lyingPayloadsAreDamage) {
     unknown.kind = static_cast<BlockKind>(77);
     append(file, unknown, huge);
     EXPECT_TRUE(told(file).damage.stretches.empty()) << "a later program's kind";
+}
+
+TEST_F(CollectionTest, theVersionOfTheFileBeforeIsForgotten) {
+    m_message.addMetaValue(pwr::CONSTANTOperationMetadata("K", {{"SOURCE", "LEVEL"}}));
+    const pw_u32_t withoutValues = pwr::packSavedVersion(2024, 2, 0);
+    pwr::setHandledVersion(withoutValues);
+    EXPECT_EQ("", begun()->error()) << "what is written is read back";
+
+    pwr::Serializer out(0);
+    out.write(pw_u32_t{1});
+    m_message.serialize(out);
+    std::vector<char> file = fileHeader(); // its system record is lost
+    BlockHeader header;
+    header.kind = BlockKind::DECLARATIONS;
+    append(file, header, out.get_buffer());
+    pwr::setHandledVersion(withoutValues);
+    EXPECT_EQ("no system 1 0 0 0", told(file).facts);
 }
 
 TEST_F(CollectionTest, aFileIsReadableWhileItGrowsAndAfterItsWriterDied) {
