@@ -273,8 +273,8 @@ TEST(SampleBlock, DamageIsRefusedOrHarmless) {
 }
 
 TEST(SampleBlock, SmallBlocksCannotAskForMuchWork) {
-    Bytes payload = encoded(still());
-    payload.resize(payload.size() - 2);
+    const Bytes whole = encoded(still());
+    const Bytes payload(whole.begin(), whole.end() - 2);
     SampleBlockDecoder decoder;
     std::string error;
     EXPECT_EQ(decoder.open(payload, error), 1);
