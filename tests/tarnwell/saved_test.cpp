@@ -180,19 +180,24 @@ TEST(Saved, aReportCanShowLessOrUnderOtherTitles) {
 
 TEST(Saved, rawSamplesAreExportedAsTheyWereRead) {
     const ScratchFolder scratch;
-    save(scratch, {"--feature", "network"});
-    const ProgramResult csv = runProgram(scratch, {"export", "good.twc", "--csv"});
+    const std::string file = (dataFolder() / "saved_files" / "linux.twc").string();
+    const ProgramResult csv = runProgram(scratch, {"export", file, "--csv"});
     EXPECT_EQ(0, csv.exitCode) << csv.errors;
-    const ProgramResult json =
-        runProgram(scratch, {"export", "good.twc", "--jsonl", "--output", "all.jsonl"});
+    const ProgramResult json = runProgram(scratch, {"export", file, "--jsonl", "--output", "all.jsonl"});
     EXPECT_EQ(0, json.exitCode) << json.errors;
     EXPECT_EQ("", json.output);
     const std::string lines = readFile("all.jsonl");
-    for (const char* text : {"tick,seconds,message,feature,entity,descriptor,value\r\n"}) {
-        EXPECT_NE(std::string::npos, csv.output.find(text)) << text << "\n" << csv.output.substr(0, 1000);
+    // A header, a value, and one that could not be read while their processor was offline.
+    for (const char* line : {"tick,seconds,message,feature,entity,descriptor,value\r\n",
+                             "\n1800000000,0.800000000,NETWORK-PACKETS,network,wwan0,Sent,108\r\n",
+                             "\n1300000000,0.300000000,IDLE-TIME,idle,Package_0/Core_9/Thread_5,POLL,\r\n"}) {
+        EXPECT_NE(std::string::npos, csv.output.find(line)) << line << "\n" << csv.output.substr(0, 1000);
     }
-    EXPECT_EQ(std::count(csv.output.begin(), csv.output.end(), '\n'),
-              std::count(lines.begin(), lines.end(), '\n') + 1);
+    EXPECT_NE(std::string::npos,
+              lines.find(R"({"tick":1300000000,"seconds":0.300000000,"message":"IDLE-TIME","feature":"idle",)"
+                         R"("entity":"Package_0/Core_9/Thread_5","descriptor":"POLL","value":null})"));
+    EXPECT_EQ(361, std::count(csv.output.begin(), csv.output.end(), '\n'));
+    EXPECT_EQ(360, std::count(lines.begin(), lines.end(), '\n'));
 }
 
 } // namespace
