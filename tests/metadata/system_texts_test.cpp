@@ -23,8 +23,7 @@ std::string headersOf(const SystemMetadata& system, bool isDetailed) {
 const std::string c_rule = std::string(80, '-') + "\n";
 
 TEST(SystemTextsTest, showAllThatARecordHolds) {
-    SystemMetadata example;
-    tests::fillExample(example);
+    const tests::ExampleRecord example;
     EXPECT_EQ("FMS: 6.140.1\nApp version: 2025.5.1\nApp build date: 2025-10-02\nDriver version: 2025.4.0\n"
               "Driver build date: 2025-09-01\nSCU version: 7\nPlatform name: Heron\nHost name: lab3\n"
               "OS name: Linux\nOS type: x86_64\nOS version: 6.1\nBus freq (MHz): 100\n"
