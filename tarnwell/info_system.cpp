@@ -57,16 +57,10 @@ Json versionOf(pw_u32_t packed) {
     return packed == 0 ? Json(nullptr) : Json(versionText(packed));
 }
 
-/// The clock's ticks are exact; the time of day may have been set while collecting.
+/// The one that the header of the report shows; 0 is an unknown one.
 Json durationOf(const pwr::SystemMetadata& system) {
-    if (system.stopTSC > system.startTSC && system.twaClockFreq > 0.0F) {
-        return static_cast<double>(system.stopTSC - system.startTSC) /
-               (static_cast<double>(system.twaClockFreq) * 1e6);
-    }
-    if (system.startTimeval != 0 && system.stopTimeval > system.startTimeval) {
-        return static_cast<double>(system.stopTimeval - system.startTimeval) / 1e6;
-    }
-    return nullptr;
+    const double seconds = system.getCollectionDurationSec();
+    return seconds > 0.0 ? Json(seconds) : Json(nullptr);
 }
 
 Json timesOf(const pwr::SystemMetadata& system) {
@@ -96,26 +90,52 @@ Json versionsOf(const pwr::SystemMetadata& system) {
         {"driver_version", versionOf(system.driverVersion)},
         {"driver_version_packed", system.driverVersion},
         {"driver_build_date", system.driverBuildDate},
-        {"scu_version", versionOf(system.scuVersion)},
-        {"scu_version_packed", system.scuVersion},
+        {"scu_version", system.scuVersion},
     };
+}
+
+/// Unknown where nobody told it (0) or the record had no place for it (all bits).
+Json coreModelOf(const pwr::TNode* core) {
+    const auto* told = dynamic_cast<const pwr::TNodeCore*>(core);
+    const pw_u32_t model = told == nullptr ? 0 : told->getCoreModelIDAndType();
+    return model == 0 || model == pwr::TNodeCore::c_32BitMask ? Json(nullptr) : Json(model);
+}
+
+using NodeCounts = std::array<std::size_t, pwr::c_topNodeTypes>;
+
+/// Goes through the nodes themselves: of those that share a key, the maps of the tree hold only the first.
+void visit(const pwr::TNode& node, NodeCounts& counts, Json& processors) {
+    ++counts[static_cast<std::size_t>(node.getType())];
+    if (node.getType() == pwr::top_node_type::THREAD) {
+        processors.push_back({{"id", node.getID()},
+                              {"name", node.getFullyQualifiedName()},
+                              {"core_model_and_type", coreModelOf(node.getParent())}});
+    }
+    for (const pwr::TNode* child : node) {
+        visit(*child, counts, processors);
+    }
 }
 
 Json topologyOf(const pwr::CPUMetadata& cpu) {
     const pwr::TopTree& tree = cpu.getCPUTopology();
-    Json topology = {{"packages", tree.getNumPackages()}, {"dies", tree.getNumDies()},
-                     {"modules", tree.getNumModules()},   {"cores", tree.getNumCores()},
-                     {"threads", tree.getNumThreads()},   {"processors", Json::array()},
-                     {"hwq_mapping", Json::array()},      {"changes", Json::array()}};
-    std::vector<const pwr::TNode*> threads;
-    tree.getAllThreads(threads);
-    for (const pwr::TNode* thread : threads) {
-        Json processor = {{"id", thread->getID()}, {"name", thread->getFullyQualifiedName()}};
-        const auto* core = dynamic_cast<const pwr::TNodeCore*>(thread->getParent());
-        processor["core_model_and_type"] =
-            core == nullptr ? Json(nullptr) : Json(core->getCoreModelIDAndType());
-        topology["processors"].push_back(std::move(processor));
+    std::vector<const pwr::TNode*> packages;
+    tree.getAllPackages(packages);
+    NodeCounts counts{};
+    Json processors = Json::array();
+    for (const pwr::TNode* package : packages) {
+        visit(*package, counts, processors);
     }
+    const auto countOf = [&counts](pwr::top_node_type type) {
+        return counts[static_cast<std::size_t>(type)];
+    };
+    Json topology = {{"packages", countOf(pwr::top_node_type::PACKAGE)},
+                     {"dies", countOf(pwr::top_node_type::DIE)},
+                     {"modules", countOf(pwr::top_node_type::MODULE)},
+                     {"cores", countOf(pwr::top_node_type::CORE)},
+                     {"threads", countOf(pwr::top_node_type::THREAD)},
+                     {"processors", std::move(processors)},
+                     {"hwq_mapping", Json::array()},
+                     {"changes", Json::array()}};
     for (const auto& [key, value] : tree.getHWQMapping()) {
         topology["hwq_mapping"].push_back({{"key", key}, {"value", value}});
     }
@@ -169,8 +189,6 @@ Json platformsOf(const pwr::SystemMetadata& system) {
                              {"display_name", object->getDisplayName()},
                              {"specifier_type", object->getSpecifierType()},
                              {"specifier_values", object->getSpecifierValues()},
-                             {"requires_specifier", object->checkRequiresConfigSpecifier()},
-                             {"specifier_found", object->checkConfigSpecifierFound()},
                              {"values", object->getMetadataValues()},
                              {"cpu", cpu == nullptr ? Json(nullptr) : processorOf(*cpu)},
                              {"chipset", chipset == nullptr ? Json(nullptr) : chipsetOf(*chipset)}});

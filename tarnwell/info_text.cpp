@@ -75,15 +75,13 @@ constexpr std::array kVersionFacts = {
     Fact{"Package", "/package_type"},
     Fact{"Driver", "/driver_version"},
     Fact{"Driver built", "/driver_build_date"},
-    Fact{"SCU", "/scu_version"},
+    Fact{"SCU", "/scu_version", Style::KNOWN_NUMBER},
 };
 
 constexpr std::array kPlatformFacts = {
     Fact{"Name", "/display_name"},
     Fact{"Specifier", "/specifier_type"},
     Fact{"Specifier values", "/specifier_values"},
-    Fact{"Specifier needed", "/requires_specifier", Style::YES_NO},
-    Fact{"Specifier found", "/specifier_found", Style::YES_NO},
     Fact{"Family", "/cpu/family"},
     Fact{"Model", "/cpu/model"},
     Fact{"Stepping", "/cpu/stepping"},
@@ -107,13 +105,18 @@ std::string decimal(double value, int digits) {
     return {text.data(), end.ptr};
 }
 
-/// Foreign bytes go to a terminal here, where control characters are commands.
-std::string printable(std::string text) {
-    for (char& c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        c = byte < 0x20 || byte == 0x7F ? '?' : c;
+/// Foreign bytes go to a terminal here, where control characters are commands: those of ASCII, and in UTF-8 those
+/// from U+0080 to U+009F.
+std::string printable(const std::string& text) {
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0U;
+        const bool isLongControl = byte == 0xC2 && next >= 0x80 && next < 0xA0;
+        shown += byte < 0x20 || byte == 0x7F || isLongControl ? '?' : text[i];
+        i += isLongControl ? 1 : 0;
     }
-    return text;
+    return shown;
 }
 
 std::string hex(std::uint64_t value, const char* format = "0x%llx") {
@@ -283,6 +286,19 @@ std::vector<Row> deviceRows(const Json& devices) {
     return rows;
 }
 
+std::vector<Row> endpointRows(const Json& endpoints) {
+    std::vector<Row> rows;
+    if (!endpoints.empty()) {
+        rows.push_back({"Id", "Address", "GUID", "Bytes", "Samples", "Read as"});
+    }
+    for (const Json& endpoint : endpoints) {
+        rows.push_back({plain(endpoint.at("id")), hex(endpoint.at("address").get<std::uint64_t>()),
+                        hex(endpoint.at("guid").get<std::uint64_t>()), plain(endpoint.at("size")),
+                        plain(endpoint.at("sample_count")), plain(endpoint.at("collection_type"))});
+    }
+    return rows;
+}
+
 std::vector<Row> clockRows(const Json& clocks) {
     return tableOf(
         clocks, {"Clock", "MHz", "Reading", "Default clock", "MHz", "Reading"},
@@ -300,10 +316,7 @@ std::string systemText(const Json& system) {
     }
     text += section("Platform specifiers", tableOf(system.at("platform_specifiers"), {}, {"name", "value"}));
     text += section("PCI devices", deviceRows(system.at("pci_devices")));
-    text += section("Telemetry endpoints",
-                    tableOf(system.at("aggregator_endpoints"),
-                            {"Id", "Address", "GUID", "Bytes", "Samples", "Read as"},
-                            {"id", "address", "guid", "size", "sample_count", "collection_type"}));
+    text += section("Telemetry endpoints", endpointRows(system.at("aggregator_endpoints")));
     text += section("Versions", factsOf(system, kVersionFacts));
     text += section("Streams", tableOf(system.at("streams"), {"Id", "Clock"}, {"id", "clock_uuid"}));
     text += section("Clocks of the record", clockRows(system.at("clocks")));

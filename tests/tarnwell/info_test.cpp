@@ -24,9 +24,9 @@ constexpr pw_u64_t kBegin = 1790000000123456;
 void fillSystem(pwr::SystemMetadata& system) {
     system.sidMap[3] = "uuid-of-stream";
     system.driverVersion = pwr::packSavedVersion(2, 3, 4);
-    system.scuVersion = pwr::packSavedVersion(5, 6, 7);
+    system.scuVersion = 567;
     system.platformName = "Some processor";
-    system.hostName = "host \x1b[31m";
+    system.hostName = "host \x1b[31m \xc2\x9b!";
     system.osName = "Some system";
     system.osType = "some type";
     system.osVersion = "6.1";
@@ -64,7 +64,8 @@ void fillSystem(pwr::SystemMetadata& system) {
     cpu->hfmFreq = 4700;
     cpu->platformId = 0x80;
     cpu->microcodeRevision = 0x430;
-    cpu->buildTopology("0 0 0 0 -1 -1  1 0 0 0 -1 -1  2 0 1 0 -1 -1", 0);
+    cpu->buildTopology("0 0 0 0x40000002 -1 1  1 0 0 0x40000002 -1 1", 0);
+    cpu->getCPUTopology().addNode(1, 0, -1, 1); // its core and its thread share their keys with those above
     cpu->buildHWQFeedbackMapping("1 2");
     cpu->addTopologyChange(pwr::TopologyChange({1500, 1, 2, 1, 0}, 0));
     system.setPlatformMetadata(pwr::PlatformType::CPU, cpu.release());
