@@ -9,18 +9,20 @@
 #include "tarnwell/number_words.h"
 #include "tarnwell/settings.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace tarnwell {
 
 void describeRun(const Settings& settings, const CollectionClock& clock, pwr::SystemMetadata& system) {
     system.twaClockFreq = clock.source().getFrequency();
     system.pollingInterval = static_cast<pw_u16_t>(settings.intervalMs);
     system.cmdLine.push_back("tarnwell");
-    // An empty argument would read back as missing.
-    std::copy_if(settings.arguments.begin(), settings.arguments.end(), std::back_inserter(system.cmdLine),
-                 [](const std::string& argument) { return !argument.empty(); });
+    // What a text and a list of the record cannot hold would make all of it unreadable, and so the collection: an
+    // empty argument reads back as missing, and lengths and counts have 16 bits.
+    constexpr std::size_t most = 0xFFFF;
+    for (const std::string& argument : settings.arguments) {
+        if (!argument.empty() && system.cmdLine.size() < most) {
+            system.cmdLine.push_back(argument.substr(0, most));
+        }
+    }
 }
 
 std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const MessageSet& messages,

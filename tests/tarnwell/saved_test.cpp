@@ -136,6 +136,17 @@ TEST(Saved, aFullDiskEndsTheSavingButNotTheReport) {
     EXPECT_EQ(4, runProgram(scratch, {"verify", "full.twc"}).exitCode);
 }
 
+TEST(Saved, argumentsBeyondWhatARecordHoldsAreLeftOut) {
+    if (kOnWindows) {
+        GTEST_SKIP() << "no command lines of that length here";
+    }
+    const ScratchFolder scratch;
+    expectSaid(runProgram(scratch,
+                          {"--feature", "cpu", "--save", "long.twc", "--", "true", std::string(70000, 'x')}),
+               0, {});
+    expectSaid(runProgram(scratch, {"verify", "long.twc"}), 0, {"whole"});
+}
+
 TEST(Saved, optionsOfCollectingMakeNoSenseWithInput) {
     const ScratchFolder scratch;
     save(scratch);
