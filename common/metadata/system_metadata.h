@@ -87,6 +87,10 @@ public:
     std::vector<PCIDevice> pciDevices;
     std::map<PlatformType, std::unique_ptr<PlatformMetadata>> platformMetadata;
 
+    /// Whether a reader of the saved record would find all of it again: no needed text is empty, and nothing is longer
+    /// than its count can tell. Leaves the current topology alone.
+    bool survivesSaving() const;
+
     /// Takes ownership of the object and replaces (deletes) an earlier one of the type; null removes it.
     void setPlatformMetadata(PlatformType type, PlatformMetadata* object);
     /// Null when there is no object of the type.

@@ -364,4 +364,18 @@ int SystemMetadata::deserialize_i(Serializer& in, unsigned) {
     return 0;
 }
 
+bool SystemMetadata::survivesSaving() const {
+    Serializer saved(0);
+    serialize_i(saved);
+    const std::vector<char>& bytes = saved.get_buffer();
+    Serializer in(bytes);
+    SystemMetadata copy;
+    if (SystemRecordReader(in, copy).read() != 0) {
+        return false;
+    }
+    Serializer again(bytes.size());
+    copy.serialize_i(again);
+    return again.get_buffer() == bytes;
+}
+
 } // namespace pwr

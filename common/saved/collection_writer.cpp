@@ -91,6 +91,7 @@ struct CollectionWriter::State {
     int instances_i(pw_u16_t flags);
     int samples_i();
     int flush_i();
+    StoredBlock system_i(const SystemMetadata& system, pw_u16_t flags, pw_u16_t ordinal);
     int begin_i(const SystemMetadata& system);
     int append_i(const CollectionData& reading);
     int end_i(const SystemMetadata& system);
@@ -162,12 +163,21 @@ int CollectionWriter::State::flush_i() {
     return file.flush();
 }
 
+/// Without a record that can be read there is no report, so it is not found out by the reader.
+StoredBlock CollectionWriter::State::system_i(const SystemMetadata& system, pw_u16_t flags,
+                                              pw_u16_t ordinal) {
+    if (!system.survivesSaving()) {
+        file.fail("the system record would not be readable again; its texts are too long or empty");
+    }
+    return file.store(BlockKind::SYSTEM, flags, ordinal, bytesOf(system));
+}
+
 int CollectionWriter::State::begin_i(const SystemMetadata& system) {
     isBegun = true;
     ticksPerSecond = system.twaClockFreq > 0 ? static_cast<pw_u64_t>(double{system.twaClockFreq} * 1e6) : 0;
     totals.lastTick = system.startTSC;
     std::vector<StoredBlock> blocks;
-    blocks.push_back(file.store(BlockKind::SYSTEM, block_flag::PREAMBLE, 0, bytesOf(system)));
+    blocks.push_back(system_i(system, block_flag::PREAMBLE, 0));
     for (std::size_t i = 0; i < configurations.size(); ++i) {
         payload.clear();
         encode(configurations[i], payload);
@@ -228,7 +238,7 @@ int CollectionWriter::State::end_i(const SystemMetadata& system) {
         instances_i(0);
     }
     repeat_i();
-    file.append(file.store(BlockKind::SYSTEM, 0, 1, bytesOf(system)), totals.lastTick);
+    file.append(system_i(system, 0, 1), totals.lastTick);
     return file.finish(totals);
 }
 

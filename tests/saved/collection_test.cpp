@@ -36,4 +36,14 @@ TEST_F(CollectionTest, givesBackWhatWasWritten) {
     EXPECT_EQ(all.size(), now.totals.bytes);
 }
 
+TEST_F(CollectionTest, aRecordThatCouldNotBeReadAgainIsRefusedWhenItIsWritten) {
+    for (const std::string& host : {std::string(), std::string(70000, 'h')}) {
+        m_system.hostName = host;
+        std::string error;
+        const auto writer = CollectionWriter::create(m_path, CollectionWriter::Existing::REPLACE, error);
+        EXPECT_EQ(1, writer->begin(m_system));
+        EXPECT_NE(std::string::npos, writer->error().find("the system record would not be readable again"));
+    }
+}
+
 } // namespace tests
