@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
 #include <cstdio>
 #include <optional>
 
@@ -34,6 +35,7 @@ public:
             m_file->write(lines);
         } else if (std::fwrite(lines.data(), 1, lines.size(), stdout) != lines.size()) {
             m_isClosed = true;
+            m_isEnough = errno == EPIPE;
         }
     }
 
@@ -43,6 +45,9 @@ public:
     int finish(std::string& reason) {
         if (m_file) {
             return m_file->commit(reason);
+        }
+        if (m_isEnough) {
+            return 0;
         }
         if (m_isClosed || std::fflush(stdout) != 0) {
             reason = "the standard output could not be written completely";
@@ -54,6 +59,7 @@ public:
 private:
     std::optional<pwr::ResultFile> m_file;
     bool m_isClosed = false;
+    bool m_isEnough = false; ///< whoever reads has closed the pipe, and wants no more
 };
 
 void writeReadings(CollectionReader& reader, SavedMessages& messages, SampleLines& form, LineOutput& output) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace tarnwell {
@@ -331,11 +332,32 @@ std::string valueText(const Json& pairs) {
     return text;
 }
 
-/// One row for each collector or metric; what it told of itself in one line.
-std::vector<Row> propertyRows(const Json& list, const char* name) {
+/// One row for each metric; what it told of itself in one line.
+std::vector<Row> metricRows(const Json& metrics) {
     std::vector<Row> rows;
-    for (const Json& element : list) {
-        rows.push_back({plain(element.at(name)), valueText(element.at("values"))});
+    for (const Json& metric : metrics) {
+        rows.push_back({plain(metric.at("metric_id")), valueText(metric.at("values"))});
+    }
+    return rows;
+}
+
+/// What a collector told of itself, then one row for each feature that it knows.
+std::vector<Row> collectorRows(const Json& collectors) {
+    std::vector<Row> rows;
+    for (const Json& collector : collectors) {
+        std::string name = plain(collector.at("name"));
+        Json together = Json::array();
+        const auto close = [&] {
+            rows.push_back({std::exchange(name, std::string()), valueText(together)});
+            together.clear();
+        };
+        for (const Json& value : collector.at("values")) {
+            if (value.at("name") == "FEATURE") {
+                close();
+            }
+            together.push_back(value);
+        }
+        close();
     }
     return rows;
 }
@@ -371,8 +393,8 @@ std::string infoText(const Json& document) {
         text += "\nThe file was not closed: what was collected last may be missing.\n";
     }
     text += systemText(document.at("system"));
-    text += section("Collectors", propertyRows(document.at("collectors"), "name"));
-    text += section("Metrics", propertyRows(document.at("metrics"), "metric_id"));
+    text += section("Collectors", collectorRows(document.at("collectors")));
+    text += section("Metrics", metricRows(document.at("metrics")));
     text += featureText(document.at("messages"));
     text += section("Clocks", clockRows(document.at("clocks")));
     text += section("Configuration",
