@@ -169,7 +169,8 @@ void CollectionReader::State::samples_i() {
         areSamplesLost = true;
         return;
     }
-    isCopyDue = reference != 0 && reference != usedReference;
+    // Behind lost samples the copy may have come already.
+    isCopyDue = reference != 0 && reference != usedReference && !areSamplesLost;
     usedReference = reference;
     closeGap_i(block.header.firstTick);
     lastTick = std::max(lastTick.value_or(0), decoder.lastTick());

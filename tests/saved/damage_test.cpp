@@ -95,6 +95,31 @@ TEST_F(CollectionTest, blocksThatAreGoneOrRepeatedOrBytesThatCameAreNoticed) {
     }
 }
 
+/// Whatever two blocks are hit, a message's first reading behind lost ones says so.
+TEST_F(CollectionTest, twoDamagesTogetherHideNoGap) {
+    const std::vector<char> all = collection(4);
+    const Told whole = told(all);
+    const std::vector<std::size_t> places = blocksOf(all);
+    const auto inHeader = [](std::size_t place) { return place + 20; };
+    const auto inPayload = [](std::size_t place) { return place + 45; };
+    for (std::size_t i = 0; i < 4 * places.size() * places.size(); ++i) {
+        const std::size_t first = places[i / 4 % places.size()];
+        const std::size_t second = places[i / 4 / places.size()];
+        std::vector<char> damaged = all;
+        damaged[(i & 1) != 0 ? inHeader(first) : inPayload(first)] ^= 1;
+        damaged[(i & 2) != 0 ? inHeader(second) : inPayload(second)] ^= 2;
+        const Told now = told(damaged);
+        ASSERT_FALSE(now.damage.isWhole()) << i;
+        auto at = whole.readings.begin();
+        for (std::size_t j = 0; j < now.readings.size(); ++j, ++at) {
+            const auto found = std::find(at, whole.readings.end(), now.readings[j]);
+            ASSERT_NE(whole.readings.end(), found) << first << " " << second;
+            ASSERT_TRUE(found == at || now.gaps[j] == 1) << first << " " << second << " " << j;
+            at = found;
+        }
+    }
+}
+
 TEST_F(CollectionTest, aRepairedFileStillTellsWhatIsMissing) {
     std::vector<char> damaged = collection(3);
     const std::vector<std::size_t> places = blocksOf(damaged);
