@@ -26,6 +26,10 @@ bool decodeInto(std::map<KEY, T>& map, const std::type_identity_t<KEY>& key, std
     return true;
 }
 
+/// Packed payloads may be far larger than their file. What is kept of it until a block is bounded by where that ends.
+constexpr pw_u64_t c_alwaysHeld = pw_u64_t{4} << 20;
+constexpr pw_u64_t c_heldPerByte = 16;
+
 void tell(DamageLog& damage, const BlockHeader& header, pw_u64_t offset) {
     damage.add(offset, c_blockHeaderSize + header.length, nameOf(header.kind), "a record cannot be read");
 }
@@ -61,11 +65,20 @@ bool Catalog::needs(const BlockHeader& header) const {
 }
 
 bool Catalog::add(const Block& block) {
-    const BlockHeader& header = block.header;
-    const std::vector<char>& payload = block.payload();
-    if (!needs(header)) {
+    if (!needs(block.header)) {
         return true;
     }
+    const pw_u64_t held = m_held + block.payload().size();
+    if (held > c_alwaysHeld + c_heldPerByte * block.end() || !take_i(block)) {
+        return false;
+    }
+    m_held = held;
+    return true;
+}
+
+bool Catalog::take_i(const Block& block) {
+    const BlockHeader& header = block.header;
+    const std::vector<char>& payload = block.payload();
     switch (header.kind) {
     case BlockKind::SYSTEM: m_system = Raw{header, block.offset, payload}; return true;
     case BlockKind::DECLARATIONS:
@@ -140,21 +153,23 @@ void Catalog::makeDeclarations_i(DamageLog& damage) {
 }
 
 void Catalog::makeLists_i() {
-    for (const auto& [ordinal, block] : m_instances) {
+    // Moved where nobody asks the maps again but for their keys.
+    for (auto& [ordinal, block] : m_instances) {
         if (!block.isPreamble || ordinal != m_preambleInstances) {
             break;
         }
         ++m_preambleInstances;
-        instances.insert(instances.end(), block.messages.begin(), block.messages.end());
+        std::ranges::move(block.messages, std::back_inserter(instances));
     }
-    for (const auto& [ordinal, configuration] : m_configurations) {
-        configurations.push_back(configuration);
+    for (auto& [ordinal, configuration] : m_configurations) {
+        configurations.push_back(std::move(configuration));
     }
     for (const auto& [place, moment] : m_moments) {
         clocks.insert(clocks.end(), moment.clocks.begin(), moment.clocks.end());
     }
-    for (const auto& [sequence, lines] : m_notes) {
-        notes.insert(notes.end(), lines.begin(), lines.end());
+    for (auto& [sequence, lines] : m_notes) {
+        std::ranges::move(lines, std::back_inserter(notes));
+        lines = {};
     }
 }
 

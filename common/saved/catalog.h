@@ -26,7 +26,7 @@ public:
     /// Whether the copy of a block with this number would.
     bool lacks(BlockKind kind, pw_u16_t ordinal) const;
     bool hasSystem() const { return m_system.has_value(); }
-    /// False when the payload is not what its kind demands.
+    /// False when the payload is not what its kind demands, or claims more memory than the file justifies.
     bool add(const Block& block);
     /// Makes the records and lists of what was gathered so far. What is no record is told to the log.
     void make(DamageLog& damage);
@@ -61,6 +61,7 @@ private:
         std::vector<char> payload;
     };
 
+    bool take_i(const Block& block);
     void makeSystem_i(DamageLog& damage);
     void makeDeclarations_i(DamageLog& damage);
     void makeLists_i();
@@ -72,6 +73,7 @@ private:
     Moments m_moments;
     std::map<pw_u32_t, std::vector<std::string>> m_notes; ///< by sequence
     pw_u16_t m_preambleInstances = 0;
+    pw_u64_t m_held = 0; ///< bytes of the payloads that were taken
 };
 
 } // namespace pwr::saved

@@ -85,14 +85,23 @@ bool CollectionOpener::hasBlocks_i() {
     return m_blocks.find(c_fileHeaderSize, std::min(m_source->size(), c_searchedForBlocks)).has_value();
 }
 
+/// Looks at the header first: an index could list large blocks, or blocks within blocks, again and again.
+bool CollectionOpener::isListed_i(const IndexEntry& entry) {
+    BlockHeader header;
+    if (!m_blocks.headerAt(entry.offset, header)) {
+        return true; // the reader tells that better
+    }
+    m_listedBytes += c_blockHeaderSize + header.length;
+    return header.kind == entry.kind && header.sequence == entry.sequence &&
+           m_listedBytes <= m_source->size();
+}
+
 /// What the index lists must be there. What is damaged is told; its copy is listed too.
 void CollectionOpener::readListed_i(const IndexEntry& entry) {
-    std::string reason;
-    const bool isFound = m_blocks.readAt(entry.offset, m_block, reason);
-    if (isFound && m_block.isUsable &&
-        (m_block.header.kind != entry.kind || m_block.header.sequence != entry.sequence)) {
-        m_block.isUsable = false;
-        reason = "not what the index says";
+    std::string reason = "not what the index says";
+    const bool isFound = isListed_i(entry) && m_blocks.readAt(entry.offset, m_block, reason);
+    if (isFound && m_block.isUsable) {
+        reason.clear();
     }
     if (!isFound || !m_block.isUsable || !m_catalog.add(m_block)) {
         const pw_u64_t length = isFound ? m_block.end() - entry.offset : 0;

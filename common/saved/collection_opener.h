@@ -44,6 +44,7 @@ public:
 private:
     int readHeader_i(std::string& error);
     bool hasBlocks_i();
+    bool isListed_i(const IndexEntry& entry);
     void readListed_i(const IndexEntry& entry);
     void readByIndex_i();
     void readAll_i();
@@ -56,6 +57,7 @@ private:
     FileHeader m_header;
     std::optional<Index> m_index;
     pw_u64_t m_indexOffset = 0;
+    pw_u64_t m_listedBytes = 0; ///< read because the index lists them
     bool m_hasSeenIndex = false;
     FileTotals m_passed;
     Block m_block;

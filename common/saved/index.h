@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/export.h"
 #include "common/pw_types.h"
 #include "common/saved/block_header.h"
 
@@ -55,11 +56,11 @@ struct Trailer {
 };
 
 /// The payload, the trailer in its end.
-void encode(const Index& index, const Trailer& trailer, std::vector<char>& payload);
+KRCOMMON_API void encode(const Index& index, const Trailer& trailer, std::vector<char>& payload);
 bool decode(std::span<const char> payload, Index& index);
 bool decode(std::span<const char, c_trailerSize> bytes, Trailer& trailer);
 
 /// How long the payload will be.
-std::size_t encodedSize(const Index& index);
+KRCOMMON_API std::size_t encodedSize(const Index& index);
 
 } // namespace pwr::saved

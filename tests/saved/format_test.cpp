@@ -5,7 +5,9 @@
 #include "common/metadata/serializer.h"
 #include "common/saved/block_header.h"
 #include "common/saved/crc32c.h"
+#include "common/saved/index.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <random>
 #include <sstream>
@@ -146,6 +148,50 @@ TEST_F(CollectionTest, theVersionOfTheFileBeforeIsForgotten) {
     append(file, header, out.get_buffer());
     pwr::setHandledVersion(withoutValues);
     EXPECT_EQ("no system 1 0 0 0", told(file).facts);
+}
+
+/// Empty lines pack well: 18 MB of them stand in a hundredth of that.
+TEST_F(CollectionTest, manyPackedBlocksTakeNoMoreThanTheFileJustifies) {
+    const auto writer = begun();
+    for (int i = 0; i < 300; ++i) {
+        ASSERT_EQ(0, writer->addNotes(std::vector<std::string>(15'000)));
+    }
+    ASSERT_EQ(0, writer->end(m_system));
+    std::string error;
+    const auto reader = CollectionReader::open(m_path, error);
+    ASSERT_TRUE(reader) << error;
+    EXPECT_FALSE(reader->notes().empty());
+    EXPECT_LT(reader->notes().size() * 4, (std::size_t{4} << 20) + 16 * writer->bytes());
+    EXPECT_FALSE(readAll(*reader).damage.isWhole());
+}
+
+/// Blocks within blocks, all sound, and an index that lists each of them.
+TEST_F(CollectionTest, noIndexMakesAReaderReadMoreThanTheFile) {
+    constexpr pw_u32_t count = 500;
+    std::vector<char> blocks(count * 40 + 40'000, 'x');
+    pwr::saved::Index index;
+    for (pw_u32_t i = count; i-- > 0;) {
+        BlockHeader header;
+        header.kind = BlockKind::NOTES;
+        header.sequence = i;
+        const char* const payload = blocks.data() + i * 40 + 40;
+        header.length = static_cast<pw_u32_t>(blocks.size()) - i * 40 - 40;
+        header.payloadChecksum = pwr::saved::crc32c(payload, header.length);
+        std::ranges::copy(encode(header), blocks.begin() + i * 40);
+        index.entries.insert(index.entries.begin(), {header.kind, 0, 0, i, 32 + i * 40U});
+    }
+    std::vector<char> file = fileHeader();
+    file.insert(file.end(), blocks.begin(), blocks.end());
+    std::vector<char> payload;
+    encode(index, {file.size(), file.size() + 40 + encodedSize(index), 0}, payload);
+    BlockHeader header;
+    header.kind = BlockKind::INDEX;
+    header.sequence = count;
+    append(file, header, payload);
+    std::string error;
+    const auto reader = opened(file, error);
+    ASSERT_TRUE(reader && reader->hasIndex()) << error;
+    EXPECT_LT(reader->bytesRead(), 3 * file.size());
 }
 
 TEST_F(CollectionTest, aFileIsReadableWhileItGrowsAndAfterItsWriterDied) {
