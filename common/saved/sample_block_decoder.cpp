@@ -181,13 +181,13 @@ struct SampleBlockDecoder::State {
     std::deque<std::shared_ptr<const SampleReference>> references; // the latest last
     SamplePayload payload;
     std::shared_ptr<const SampleReference> reference; // of the open block: its texts are used
-    std::vector<std::string_view> texts;              // those of the reference behind the block's own
-    std::size_t ownTexts = 0;
+    std::vector<std::string_view> texts; // the block's own; those of the reference are numbered on
     std::vector<Part> parts;
     std::vector<Run> runs;
     std::vector<Exception> exceptions;
     TimePrecision precision;
     std::uint64_t firstTick = 0;
+    std::uint64_t columns = 0;
     std::uint64_t records = 0;
     std::uint64_t values = 0;
     std::uint64_t lastTick = 0;
@@ -205,6 +205,10 @@ struct SampleBlockDecoder::State {
     const char* checkRows_i(std::size_t size);
     void rewind_i();
 
+    std::string_view text_i(std::uint64_t number) const {
+        const auto at = static_cast<std::size_t>(number);
+        return at < texts.size() ? texts[at] : std::string_view(reference->texts[at - texts.size()]);
+    }
     std::uint32_t nextPart_i();
     bool readTimesOf_i(Part& part, tw_driver_msg& header);
     void giveFlags_i(const Part& part, tw_driver_msg& header);
@@ -228,8 +232,6 @@ const char* SampleBlockDecoder::State::readHead_i() {
     if (payload.cutTexts(texts) != 0) {
         return "its texts do not fit";
     }
-    ownTexts = texts.size();
-    texts.insert(texts.end(), reference->texts.begin(), reference->texts.end());
     std::vector<const ReferencePart*> bases;
     const char* fault = readParts_i(in, bases);
     fault = fault != nullptr ? fault : readOrder_i(in);
@@ -344,25 +346,29 @@ const char* SampleBlockDecoder::State::readColumns_i(BitReader& in, Part& part, 
     if (!in.canHold(part.key.count, 1)) {
         return "it is shorter than it says";
     }
+    columns += part.key.count;
+    if (columns > c_mostValues) {
+        return "it holds too many values";
+    }
     part.row.assign(part.key.count, 0);
     part.kinds.assign(part.key.count, ValueKind::BITS);
     for (std::uint32_t i = 0; i < part.key.count; ++i) {
         const ReferenceColumn from = base == nullptr ? ReferenceColumn{} : base->columns[i];
-        part.row[i] = from.kind == ValueKind::TEXT ? ownTexts + from.bits : from.bits;
+        part.row[i] = from.kind == ValueKind::TEXT ? texts.size() + from.bits : from.bits;
         part.kinds[i] = from.kind;
         if (in.bit() && !(in.bit() ? readChanging_i(in, part, i, from) : readStill_i(in, part, i, from))) {
             return "the code of its values is not known";
         }
         if (part.kinds[i] == ValueKind::TEXT) {
             part.hasTexts = true;
-            part.textBytes += texts[static_cast<std::size_t>(part.row[i])].size();
+            part.textBytes += text_i(part.row[i]).size();
         }
         part.hasMissing = part.hasMissing || part.kinds[i] == ValueKind::MISSING;
     }
     sortByCode(part);
     const bool hasMixed = part.firstOfCode[c_columnCodes] != part.firstOfCode[c_columnCodes - 1];
     part.hasMissing = part.hasMissing || hasMixed;
-    part.hasTexts = part.hasTexts || (hasMixed && ownTexts > 0);
+    part.hasTexts = part.hasTexts || (hasMixed && texts.size() > 0);
     return nullptr;
 }
 
@@ -376,7 +382,7 @@ bool SampleBlockDecoder::State::readStill_i(BitReader& in, Part& part, std::uint
     const bool isText = in.bit();
     part.kinds[index] = isText ? ValueKind::TEXT : ValueKind::MISSING;
     part.row[index] = isText ? in.number() : 0;
-    return !isText || part.row[index] < ownTexts;
+    return !isText || part.row[index] < texts.size();
 }
 
 bool SampleBlockDecoder::State::readChanging_i(BitReader& in, Part& part, std::uint32_t index,
@@ -424,7 +430,7 @@ const char* SampleBlockDecoder::State::checkRows_i(std::size_t size) {
         lastTick = std::max(lastTick, header.timestamp);
         skipRow(cursor.bits, part, part.readings == 0);
         std::uint64_t textsOfReading = part.textBytes;
-        if (!skipMixed(cursor.bits, part, std::span(texts).first(ownTexts), textsOfReading)) {
+        if (!skipMixed(cursor.bits, part, texts, textsOfReading)) {
             return "a text of its values is missing";
         }
         ++part.readings;
@@ -500,7 +506,7 @@ void SampleBlockDecoder::State::give_i(const Part& part, const tw_driver_msg& he
         for (std::size_t i = 0; i < part.row.size(); ++i) {
             switch (part.kinds[i]) {
             case ValueKind::BITS: reading.add(part.row[i]); break;
-            case ValueKind::TEXT: reading.addText(texts[static_cast<std::size_t>(part.row[i])]); break;
+            case ValueKind::TEXT: reading.addText(text_i(part.row[i])); break;
             case ValueKind::MISSING: reading.addMissing(); break;
             }
         }
@@ -569,7 +575,7 @@ bool SampleBlockDecoder::next(CollectionData& reading) {
     state.readTimesOf_i(part, header);
     state.giveFlags_i(part, header);
     readRow(state.cursor.bits, part, part.readings == 0);
-    readMixed(state.cursor.bits, part, state.ownTexts);
+    readMixed(state.cursor.bits, part, state.texts.size());
     ++part.readings;
     state.give_i(part, header, reading);
     return true;

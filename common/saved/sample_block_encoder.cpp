@@ -15,6 +15,9 @@ namespace {
 constexpr std::size_t c_bytesOfValue = 24;
 constexpr std::size_t c_bytesOfReading = 64;
 
+/// A reference keeps texts until they are about so long together, which leaves it far below a payload's limit.
+constexpr std::size_t c_mostReferenceText = std::size_t{2} << 20;
+
 /// Texts and the numbers that stand for them.
 struct TextList {
     std::vector<std::string> texts;
@@ -78,6 +81,7 @@ struct SampleBlockEncoder::State {
     SampleReference latest; // what the next reference tells
     std::unordered_map<std::uint64_t, std::size_t> latestParts;
     TextList latestTexts;
+    std::uint64_t latestSize = 0; // parts and columns
 
     std::vector<Part> parts;
     ColumnChooser chooser;
@@ -389,17 +393,26 @@ void SampleBlockEncoder::State::writeValue_i(BitWriter& out, ChangingColumn& cha
     changing.previous = value;
 }
 
-/// The last values of the block, for the next reference.
+/// The last values of the block, for the next reference, as far as that may hold them.
 void SampleBlockEncoder::State::remember_i() {
     for (Part& part : parts) {
+        const std::uint64_t size = part.columns.size() + 1;
+        const bool isFull = latestSize + size > c_mostReferenceSize;
+        if (isFull && !latestParts.contains(part.key.packed())) {
+            continue;
+        }
         const auto [found, isNew] = latestParts.try_emplace(part.key.packed(), latest.parts.size());
         if (isNew) {
             latest.parts.emplace_back();
+            latestSize += size;
         }
         const std::size_t start = records[part.records.back()].start;
         for (std::size_t i = 0; i < part.columns.size(); ++i) {
             ReferenceColumn& last = part.columns[i];
             last.kind = kinds[start + i];
+            if (last.kind == ValueKind::TEXT && latestTexts.bytes > c_mostReferenceText) {
+                last.kind = ValueKind::MISSING;
+            }
             last.bits = last.kind == ValueKind::TEXT
                             ? latestTexts.numberOf(texts.texts[static_cast<std::size_t>(bits[start + i])])
                             : bits[start + i];
@@ -488,6 +501,7 @@ void SampleBlockEncoder::makeReference(std::vector<char>& payload) {
     state.latest.tick = state.reference.tick;
     state.latestParts.clear();
     state.latestTexts.clear();
+    state.latestSize = 0;
 }
 
 } // namespace pwr::saved

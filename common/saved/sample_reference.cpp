@@ -148,7 +148,7 @@ int SampleReference::read(std::span<const char> payload, std::string& error) {
     number = static_cast<std::uint32_t>(in.number());
     tick = in.wide();
     std::vector<std::string_view> cut;
-    if (opened.cutTexts(cut) != 0 || number == 0) {
+    if (opened.cutTexts(cut) != 0 || cut.size() > c_mostReferenceSize || number == 0) {
         return refuse(error, "the texts of the reference do not fit");
     }
     texts.assign(cut.begin(), cut.end());
@@ -157,6 +157,7 @@ int SampleReference::read(std::span<const char> payload, std::string& error) {
         return refuse(error, "the reference is shorter than it says");
     }
     parts.clear();
+    std::uint64_t size = 0;
     for (std::uint64_t i = 0; i < count; ++i) {
         ReferencePart part;
         part.key = readPartKey(in);
@@ -167,6 +168,10 @@ int SampleReference::read(std::span<const char> payload, std::string& error) {
         part.times.gapShift = static_cast<pw_u8_t>(in.bits(c_shiftOfGapBits));
         if (!in.canHold(part.key.count, c_kindBits + 1) || part.times.gapShift > bit_code::c_maxShift) {
             return refuse(error, "the reference is shorter than it says");
+        }
+        size += part.key.count + 1U;
+        if (size > c_mostReferenceSize) {
+            return refuse(error, "the reference holds too many values");
         }
         part.columns.resize(part.key.count);
         for (ReferenceColumn& column : part.columns) {

@@ -50,6 +50,10 @@ struct ReferencePart {
     std::vector<ReferenceColumn> columns;
 };
 
+/// So many parts and columns a reference holds at most, or it could get too large for a block, and readers would need
+/// much memory for a small file. What it does not hold, blocks tell themselves.
+inline constexpr std::uint64_t c_mostReferenceSize = std::uint64_t{1} << 20;
+
 /// All values at one moment, which blocks count from. Number 0 is the empty one: blocks that need nothing.
 struct SampleReference {
     std::uint32_t number = 0;

@@ -281,6 +281,30 @@ TEST(SampleBlock, SmallBlocksCannotAskForMuchWork) {
     EXPECT_EQ(error, "a block of samples cannot be read: it holds too many values for its size");
 }
 
+/// Readings whose count of values changes all the time would make references of any size.
+TEST(SampleBlock, AReferenceStaysSmall) {
+    SampleBlockEncoder encoder;
+    SampleBlockDecoder decoder;
+    Bytes payload;
+    std::string error;
+    for (std::size_t i = 0; i < 20; ++i) {
+        CollectionData wide = reading(i, 7, std::vector<std::uint64_t>(65'000 + i, ~i));
+        CollectionData texts = reading(i, 8, {});
+        for (std::size_t k = 0; k < 300; ++k) {
+            texts.addText(std::string(1000, 'x') + std::to_string(300 * i + k));
+        }
+        encoded(encoder, {wide, texts});
+    }
+    encoder.makeReference(payload);
+    EXPECT_LT(payload.size(), std::size_t{16} << 20);
+    ASSERT_EQ(0, decoder.addReference(payload, error)) << error;
+    const CollectionData last = reading(99, 7, std::vector<std::uint64_t>(65'019, 5));
+    ASSERT_EQ(0, decoder.open(encoded(encoder, {last}), error)) << error;
+    CollectionData given;
+    ASSERT_TRUE(decoder.next(given));
+    EXPECT_EQ(textOf(last), textOf(given));
+}
+
 TEST(SampleBlock, AReferenceIsNeededAndChecked) {
     SampleBlockEncoder encoder;
     encoded(encoder, mixedKinds());
