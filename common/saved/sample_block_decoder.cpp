@@ -368,7 +368,7 @@ const char* SampleBlockDecoder::State::readColumns_i(BitReader& in, Part& part, 
     sortByCode(part);
     const bool hasMixed = part.firstOfCode[c_columnCodes] != part.firstOfCode[c_columnCodes - 1];
     part.hasMissing = part.hasMissing || hasMixed;
-    part.hasTexts = part.hasTexts || (hasMixed && texts.size() > 0);
+    part.hasTexts = part.hasTexts || (hasMixed && !texts.empty());
     return nullptr;
 }
 
