@@ -75,7 +75,7 @@ int runDoctor(const Settings& settings) {
     }
     CollectionClock clock(*machine);
     HostEnvironment environment(settings.outputPrefix);
-    environment.useClock(clock.source());
+    HostEnvironment::useClock(clock.source());
     PluginSet plugins;
     plugins.load(environment.folder() + "plugins", collectingOptions(settings));
     pwr::platform::installInterruptHandler();
