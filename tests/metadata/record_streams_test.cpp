@@ -173,7 +173,7 @@ TEST(RecordStreamTest, anOperationsCountHasOneByte) {
     const Bytes bytes = out.get_buffer();
     constexpr std::size_t c_start = 4 + 3 + 3 + 4 + 2;
     EXPECT_EQ(44, bytes[c_start]);
-    EXPECT_EQ(c_start + 1 + 300 * 6, bytes.size());
+    EXPECT_EQ(c_start + 1 + std::size_t{300} * 6, bytes.size());
     EXPECT_EQ(44U, dynamic_cast<const OperationMetadata&>(*read(bytes)).getValues().size());
 }
 
