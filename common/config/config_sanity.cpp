@@ -74,6 +74,11 @@ int checkCap(const DeclaredCap& declared) {
     if (const Platform* const parent = declared.platform.getParent()) {
         findOfferedCap(*parent, declared.prefix, offered);
     }
+    if (!offered.messages.empty() && declared.mode == InheritMode::OVERRIDE && declared.messages.empty()) {
+        logWarning("WARNING: capability %s of platform %s has no messages and hides those of its parent: "
+                   "INHERIT MODE EXTEND keeps them\n",
+                   declared.prefix.c_str(), declared.platform.getName().c_str());
+    }
     CapMergeReport report;
     mergeCap(offered, declared, report);
     reportMerge(declared, report);
