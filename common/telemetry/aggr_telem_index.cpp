@@ -13,8 +13,6 @@ namespace pwr {
 
 namespace {
 
-constexpr std::size_t CHUNK = std::size_t{256} << 10;
-
 /// The file of a GUID; "" after a warning when nobody knows where such files are.
 std::string pathOf(pw_u32_t guid) {
     const std::string& base = g_pluginEnvironment->getTarnwellDirectory();
@@ -27,22 +25,24 @@ std::string pathOf(pw_u32_t guid) {
     return base + "xml_configs" + "/" + "telemetry_0x" + digits + ".xml";
 }
 
-int readWhole(const std::string& path, std::vector<char>& text) {
-    std::FILE* const file = openFileHandle(path, "rb");
-    if (file == nullptr) {
+/// A file's bytes, not zeroed before they are read: most of loading a large file is touching memory.
+struct FileText {
+    std::unique_ptr<char[]> bytes;
+    std::size_t size = 0;
+};
+
+int readWhole(const std::string& path, FileText& text) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(openFileHandle(path, "rb"), &std::fclose);
+    if (file == nullptr || std::fseek(file.get(), 0, SEEK_END) != 0) {
         return 1;
     }
-    std::size_t used = 0;
-    std::size_t got = 0;
-    do {
-        text.resize(used + CHUNK);
-        got = std::fread(text.data() + used, 1, CHUNK, file);
-        used += got;
-    } while (got == CHUNK);
-    text.resize(used);
-    const int failed = std::ferror(file);
-    std::fclose(file);
-    return failed;
+    const long end = std::ftell(file.get());
+    if (end < 0 || std::fseek(file.get(), 0, SEEK_SET) != 0) {
+        return 1;
+    }
+    text.size = static_cast<std::size_t>(end);
+    text.bytes.reset(new char[text.size + 1]);
+    return std::fread(text.bytes.get(), 1, text.size, file.get()) == text.size ? 0 : 1;
 }
 
 int loadSpecification(pw_u32_t guid, TelemetrySpecification& specification) {
@@ -54,12 +54,12 @@ int loadSpecification(pw_u32_t guid, TelemetrySpecification& specification) {
         logWarning("WARNING: XML file for GUID 0x%x not found!\n", guid);
         return 1;
     }
-    std::vector<char> text;
+    FileText text;
     if (readWhole(path, text) != 0) {
         logWarning("WARNING: Failed to load XML %s\n", path.c_str());
         return 1;
     }
-    if (specification.parse(text) != 0) {
+    if (specification.parse({text.bytes.get(), text.size}) != 0) {
         logWarning(
             "WARNING: Could not read Telemetry Aggregation Facility specification XML file %s. The format "
             "is invalid.\n",

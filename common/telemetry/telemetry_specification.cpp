@@ -2,6 +2,8 @@
 
 #include "common/pw_utils.h"
 
+#include <cstring>
+
 #include <pugixml.hpp>
 
 namespace pwr {
@@ -12,24 +14,42 @@ constexpr const char* AGGREGATOR = "TELEM:Aggregator";
 constexpr const char* SAMPLE_GROUP = "TELEM:SampleGroup";
 constexpr const char* SAMPLE = "TELC:sample";
 constexpr const char* SUB_GROUP = "TELC:sampleSubGroup";
-constexpr std::string_view LSB = "TELC:lsb";
-constexpr std::string_view MSB = "TELC:msb";
+constexpr const char* LSB = "TELC:lsb";
+constexpr const char* MSB = "TELC:msb";
 
 // Only what the index needs: no comments, declarations or processing instructions become nodes.
 constexpr unsigned PARSING = pugi::parse_minimal | pugi::parse_escapes | pugi::parse_wconv_attribute;
+
+// About what a field takes in a file, with its description.
+constexpr std::size_t BYTES_PER_FIELD = 256;
 
 // A file that is wrong throughout shall not fill the memory with complaints.
 constexpr std::size_t MAX_PROBLEMS = 20;
 constexpr std::size_t MAX_SHOWN_NAME = 80;
 
+bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+/// A number with nothing but blanks around it. The plain form is read at once: there are two for each field.
 int readNumber(const char* text, pw_u16_t& number) {
-    std::string_view trimmed = text;
-    const std::size_t first = trimmed.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos) {
-        return -1;
+    while (isBlank(*text)) {
+        ++text;
     }
-    trimmed = trimmed.substr(first, trimmed.find_last_not_of(" \t\r\n") - first + 1);
-    return extract_number_i(std::string(trimmed), number);
+    unsigned value = 0;
+    const char* at = text;
+    while (*at >= '0' && *at <= '9' && value <= UINT16_MAX) {
+        value = 10 * value + static_cast<unsigned>(*at++ - '0');
+    }
+    if (*at == '\0' && at != text && value <= UINT16_MAX) {
+        number = static_cast<pw_u16_t>(value);
+        return 0;
+    }
+    std::string other = text;
+    while (!other.empty() && isBlank(other.back())) {
+        other.pop_back();
+    }
+    return extract_number_i(other, number);
 }
 
 } // namespace
@@ -43,17 +63,19 @@ public:
     void document(const pugi::xml_node& root) {
         pugi::xml_node node = root.first_child();
         while (node) {
-            if (std::string_view(node.name()) == AGGREGATOR) {
+            const bool isAggregator = std::strcmp(node.name(), AGGREGATOR) == 0;
+            if (isAggregator) {
                 aggregator_i(node);
             }
-            node = next_i(node, root);
+            node = next_i(node, root, !isAggregator);
         }
     }
 
 private:
-    static pugi::xml_node next_i(pugi::xml_node node, const pugi::xml_node& root) {
-        if (node.first_child()) {
-            return node.first_child();
+    static pugi::xml_node next_i(pugi::xml_node node, const pugi::xml_node& root, bool downwards) {
+        const pugi::xml_node child = downwards ? node.first_child() : pugi::xml_node();
+        if (child) {
+            return child;
         }
         while (node != root && !node.next_sibling()) {
             node = node.parent();
@@ -89,11 +111,11 @@ private:
         BitRange range;
         int lsb = -1;
         int msb = -1;
-        for (const pugi::xml_node& child : field.children()) {
-            const std::string_view name = child.name();
-            if (name == LSB) {
+        for (pugi::xml_node child = field.first_child(); child; child = child.next_sibling()) {
+            const char* const name = child.name();
+            if (std::strcmp(name, LSB) == 0) {
                 lsb = readNumber(child.child_value(), range.lsb);
-            } else if (name == MSB) {
+            } else if (std::strcmp(name, MSB) == 0) {
                 msb = readNumber(child.child_value(), range.msb);
             }
         }
@@ -119,6 +141,7 @@ private:
 
 int TelemetrySpecification::parse(std::span<char> text) {
     *this = TelemetrySpecification();
+    m_fields.reserve(text.size() / BYTES_PER_FIELD);
     pugi::xml_document document;
     if (!document.load_buffer_inplace(text.data(), text.size(), PARSING)) {
         return 1;
