@@ -16,6 +16,7 @@ namespace pwr {
 
 class InputMsg;
 class Operation;
+struct AggrTelemCounterInfo;
 class Platform;
 
 /// The hardware description: which platforms there are, how each is recognised, what it offers and how that is
@@ -68,6 +69,9 @@ public:
                        const std::string& prefix, bool maxDetail = false) const;
     /// The operations of a collector type in all declarations, platform by platform.
     std::vector<const Operation*> getOperationsOfType(const std::string& collectorType) const;
+    /// The telemetry counter that a declared operation reads, by the operation's name or the counter's. 0; or 1 after
+    /// a message, and `info` is untouched.
+    int getAggrTelemCounterInfo(const std::string& name, AggrTelemCounterInfo& info) const;
 
 private:
     struct Contents;

@@ -1,7 +1,10 @@
+#include "common/config/tw_configfile_parser.h"
 #include "common/metadata/operation_metadata.h"
+#include "common/plugin/collector_plugin.h"
 #include "common/plugin/plugin_environment.h"
 #include "common/pw_utils.h"
 #include "common/telemetry/aggr_telem.h"
+#include "common/telemetry/aggr_telem_operation.h"
 #include "tests/support/log_capture.h"
 
 #include <gtest/gtest.h>
@@ -221,6 +224,61 @@ TEST(AggrTelem, ResolvesOperations) {
             EXPECT_EQ(info.msb, c.msb) << c.name;
         }
     }
+}
+
+/// Answers each sample with its id in every byte; refuses sample 9.
+class EchoCollector : public CollectorPlugin {
+public:
+    EchoCollector() : CollectorPlugin("echo") {}
+    const char* getDescription() const override { return "samples that tell their own id"; }
+    std::vector<std::string> getCollectorTypes() const override { return {"AGGR-TELEM"}; }
+    int open(const MsgMetadata& /*message*/, MessageInstances& /*out*/) override { return 1; }
+    int read(const MsgMetadata& /*message*/, CollectionData& /*out*/) override { return 1; }
+    using CollectorPlugin::doImmediateRead;
+    int doImmediateRead(Operation* operation, const std::string& /*argument*/) override {
+        auto* const counter = dynamic_cast<AggrTelemOperation*>(operation);
+        if (counter == nullptr || counter->getCounterInfo().sampleId == 9) {
+            return -1;
+        }
+        counter->setSample(0x0101010101010101U * counter->getCounterInfo().sampleId);
+        return 0;
+    }
+};
+
+TEST(AggrTelemImmediate, ReadsThroughTheCollectorOfTheType) {
+    const SpecificationFile file(kGuid, document(sampleXml("Energy", "18", fieldXml("low", "4", "11"))));
+    _tw_aggregator_info endpoint{};
+    endpoint.guid = kGuid;
+    endpoint.endpoint_id = kEndpoint;
+    g_pluginEnvironment->addLoadedTAF(endpoint);
+    g_pluginEnvironment->addTAFPlatformGUID("PUNIT", kGuid);
+    const LogCapture log;
+    pw_u64_t value = 4711;
+    EXPECT_EQ(AggrTelemImmediate("PUNIT", "Energy", "low").read(value), 1); // nobody serves the type
+    EXPECT_EQ(value, 4711U);
+
+    EchoCollector collector;
+    ASSERT_EQ(TWConfigFileParser::instance()->registerCollectorType("AGGR-TELEM", &collector), 0);
+    AggrTelemImmediate energy("PUNIT", "Energy", "low");
+    EXPECT_EQ(energy.read(value), 0);
+    EXPECT_EQ(value, 0x21U); // 0x1212 >> 4
+    EXPECT_EQ(energy.getCounterMetadata().sampleId, 18);
+    std::map<pw_u16_t, pw_u64_t> samples = {{1, 0}, {2, 0}};
+    EXPECT_EQ(energy.read(samples), 0);
+    EXPECT_EQ(samples[2], 0x0202020202020202U);
+    samples = {{1, 5}, {9, 6}};
+    EXPECT_EQ(energy.read(samples), 1);
+    EXPECT_EQ(samples[1], 5U); // all or none
+
+    ASSERT_EQ(TWConfigFileParser::instance()->parseText(
+                  "t.cfg",
+                  "ALL_ENERGY_ONE_AGGR-TELEM_IP-NAME=PUNIT\nALL_ENERGY_ONE_AGGR-TELEM_COUNTER-NAME=Energy\n"),
+              0);
+    AggrTelemCounterInfo info;
+    EXPECT_EQ(TWConfigFileParser::instance()->getAggrTelemCounterInfo("Energy", info), 0);
+    EXPECT_EQ(info.sampleId, 18);
+    EXPECT_EQ(TWConfigFileParser::instance()->getAggrTelemCounterInfo("None", info), 1);
+    TWConfigFileParser::destroy();
 }
 
 TEST(AggrTelem, CutsBitsAndNames) {
