@@ -64,13 +64,25 @@ private:
         return 1;
     }
 
+    /// The key is there, but what it holds names nothing.
+    bool isNameless_i() const {
+        const auto& values = m_operation.getValues();
+        return m_info.counterName.empty() && std::any_of(values.begin(), values.end(), [](const auto& pair) {
+                   return pair.first == "COUNTER-NAME";
+               });
+    }
+
     int readKeys_i() {
         if (numberOf_i("GUID", m_guid) != 0 || numberOf_i("ENDPOINT-ID", m_endpoint) != 0 ||
             numberOf_i("SAMPLE-ID", m_sample) != 0) {
             return 1;
         }
-        m_info.counterName = valueOf_i("COUNTER-NAME");
+        m_info.counterName = getCounterNameFromInitValue(valueOf_i("COUNTER-NAME"));
         m_info.fieldName = valueOf_i("COUNTER-FIELD-NAME");
+        if (isNameless_i()) {
+            logWarning("WARNING: %s: Unable to extract counter name from operation!\n", m_name.c_str());
+            return 1;
+        }
         if (m_info.counterName.empty() && !m_sample) {
             logError("ERROR: Either counter name or sample id are required to collect Telemetry Aggregation "
                      "Facility "

@@ -170,6 +170,12 @@ TEST(AggrTelem, ResolvesOperations) {
          0,
          "ERROR: Either counter name or sample id are required to collect Telemetry Aggregation Facility "
          "metrics.\n"},
+        {"nameless",
+         {{"GUID", "0x1a2b"}, {"COUNTER-NAME", "GUID=0x1"}},
+         -1,
+         0,
+         0,
+         "WARNING: op: Unable to extract counter name from operation!\n"},
         {"unknown name",
          {{"GUID", "0x1a2b"}, {"COUNTER-NAME", "None"}},
          -1,
