@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <iterator>
+#include <unordered_map>
 
 #include "common/config/collector_types.h"
 #include "common/config/config_sanity.h"
@@ -37,10 +38,9 @@ std::unique_ptr<Parser> makeParser() {
     }
 }
 
-/// Whether two platforms offer one and the same capability, so that a list of both has it once.
+/// Whether what two platforms offer under one prefix is the same capability, so that a list of both has it once.
 bool isSameCap(const OfferedCap& left, const OfferedCap& right) {
-    return left.cap.getConfigfilePrefix() == right.cap.getConfigfilePrefix() &&
-           (left.definer == right.definer || left.cap == right.cap);
+    return left.definer == right.definer || left.cap == right.cap;
 }
 
 } // namespace
@@ -153,13 +153,14 @@ int TWConfigFileParser::getCapabilitiesFor(std::vector<ConfigCap>& capabilities,
     if (selectPlatforms_i(platforms, selected) != 0) {
         return 1;
     }
-    std::vector<OfferedCap> all;
+    std::unordered_multimap<std::string, OfferedCap> known; // by prefix
     for (const Platform* const platform : selected) {
         for (OfferedCap& offered : listOfferedCaps(*platform)) {
-            if (std::none_of(all.begin(), all.end(),
-                             [&offered](const OfferedCap& known) { return isSameCap(known, offered); })) {
+            const auto [first, last] = known.equal_range(offered.cap.getConfigfilePrefix());
+            if (std::none_of(first, last,
+                             [&offered](const auto& k) { return isSameCap(k.second, offered); })) {
                 capabilities.push_back(offered.cap);
-                all.push_back(std::move(offered));
+                known.emplace(offered.cap.getConfigfilePrefix(), std::move(offered));
             }
         }
     }

@@ -3,6 +3,7 @@
 #include "common/config/config_cap.h"
 #include "common/config/input_msg.h"
 #include "common/config/tw_configfile_parser.h"
+#include "common/plugin/plugin_environment.h"
 #include "tests/support/log_capture.h"
 
 #include <gtest/gtest.h>
@@ -88,6 +89,17 @@ protected:
         return text;
     }
 
+private:
+    /// What statements enter into the environment goes when the test does.
+    struct OwnEnvironment {
+        OwnEnvironment() : shared(g_pluginEnvironment) { g_pluginEnvironment = &own; }
+        ~OwnEnvironment() { g_pluginEnvironment = shared; }
+        PluginEnvironment own;
+        PluginEnvironment* shared;
+    };
+    OwnEnvironment m_environment;
+
+protected:
     LogCapture m_log;
 };
 

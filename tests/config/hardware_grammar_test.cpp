@@ -5,8 +5,6 @@
 #include "common/plugin/plugin_environment.h"
 #include "tests/config/hardware_config_fixture.h"
 
-#include <memory>
-
 using namespace pwr;
 
 namespace {
@@ -180,25 +178,8 @@ TEST_F(HardwareConfigTest, readsMessages) {
               OrderedPairs::Pairs(constants.begin(), constants.end()));
 }
 
-/// Traces go where no other test sees them.
-class TracedConfigTest : public HardwareConfigTest {
-protected:
-    TracedConfigTest() : m_shared(g_pluginEnvironment) {
-        m_own.addCondLogTagForDebugLogging("config-parser");
-        g_pluginEnvironment = &m_own;
-        m_trace = std::make_unique<LogCapture>();
-    }
-    ~TracedConfigTest() override {
-        m_trace.reset();
-        g_pluginEnvironment = m_shared;
-    }
-
-    PluginEnvironment m_own;
-    PluginEnvironment* m_shared;
-    std::unique_ptr<LogCapture> m_trace;
-};
-
-TEST_F(TracedConfigTest, tellsHowPlatformsAndTriggersCameAbout) {
+TEST_F(HardwareConfigTest, tellsHowPlatformsAndTriggersCameAbout) {
+    g_pluginEnvironment->addCondLogTagForDebugLogging("config-parser");
     EXPECT_EQ(0, parser().parseText("x.cfg", "A-B_MODEL_CORES_CONSTANT_VALUE=4\n"
                                              "A_MODEL_FMS_CONSTANT_VALUE=6.85\n"
                                              "ALL_C_CAPABILITY_COMMAND-LINE_VALUE=c\n"
@@ -220,7 +201,7 @@ TEST_F(TracedConfigTest, tellsHowPlatformsAndTriggersCameAbout) {
               "Found partial match for specifier: FMS=6.85.4 in Platform specifier FMS=6.85\n"
               "Found exact match for specifier: CORES=0x4 in Platform specifier CORES=4\n"
               "pwr::Parser::getAllPlatforms_i looking at token CPU=A\n",
-              m_trace->take());
+              m_log.take());
 }
 
 TEST_F(HardwareConfigTest, givesUntriggeredWorkTheTriggerInit) {
