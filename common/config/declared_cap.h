@@ -19,6 +19,8 @@ enum class InheritMode { OVERRIDE, EXTEND };
 /// What the statements of one platform say about one capability; what they leave unset is inherited.
 struct KRCOMMON_API DeclaredCap {
     DeclaredCap(const Platform& declaringPlatform, std::string_view configfilePrefix);
+    DeclaredCap(const DeclaredCap&) = delete;
+    DeclaredCap& operator=(const DeclaredCap&) = delete;
 
     [[nodiscard]] const std::string& getName() const { return prefix; }
     InputMsg& getOrCreateMessage(std::string_view name);

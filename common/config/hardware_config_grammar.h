@@ -19,14 +19,15 @@ class CollectorTypes;
 #define HARDWARE_CONFIG_RULES(RULE)                                                                          \
     RULE(platformRule)                                                                                       \
     RULE(platformHead)                                                                                       \
-    RULE(platformSub) RULE(modelRule) RULE(modelFMSRule) RULE(fmsValues) RULE(fmsValue) RULE(modelPCIRule)   \
-        RULE(pciValue) RULE(modelTAFRule) RULE(TAFValue) RULE(modelTAFDeprecatedGUIDsRule)                   \
-            RULE(TAFDeprecatedGUIDs) RULE(modelOtherRule) RULE(modelSpec) RULE(modelValue) RULE(modelRange)  \
-                RULE(modelRangeSub) RULE(metricRule) RULE(capRule) RULE(capSub) RULE(capSubHelp)             \
-                    RULE(capSubCmdline) RULE(capSubHidden) RULE(capSubGroup) RULE(capValue)                  \
-                        RULE(inheritRule) RULE(inheritSub) RULE(inheritMode) RULE(inheritValue) RULE(tagSub) \
-                            RULE(msgSub) RULE(msgGroup) RULE(msgGroupList) RULE(msgID) RULE(msgIDValue)      \
-                                RULE(msgSource) RULE(msgSourceRule) RULE(msgReadWhen) RULE(msgWriteWhen)     \
+    RULE(platformSub)                                                                                        \
+    RULE(modelRule) RULE(modelFMSRule) RULE(fmsValues) RULE(fmsValue) RULE(modelPCIRule) RULE(pciValue)      \
+        RULE(modelTAFRule) RULE(TAFValue) RULE(modelTAFDeprecatedGUIDsRule) RULE(TAFDeprecatedGUIDs)         \
+            RULE(modelOtherRule) RULE(modelSpec) RULE(modelValue) RULE(modelRange) RULE(modelRangeSub)       \
+                RULE(metricRule) RULE(capRule) RULE(capSub) RULE(capSubHelp) RULE(capSubCmdline)             \
+                    RULE(capSubHidden) RULE(capSubGroup) RULE(capValue) RULE(inheritRule) RULE(inheritSub)   \
+                        RULE(inheritMode) RULE(inheritValue) RULE(tagSub) RULE(msgSub) RULE(msgGroup)        \
+                            RULE(msgGroupList) RULE(msgID) RULE(msgIDValue) RULE(msgSource)                  \
+                                RULE(msgSourceRule) RULE(msgReadWhen) RULE(msgWriteWhen)                     \
                                     RULE(msgReadWhenMaxDetail) RULE(msgWriteWhenMaxDetail)                   \
                                         RULE(msgReadWhere) RULE(msgWriteWhere) RULE(readWriteCPU)            \
                                             RULE(triggers) RULE(trigger) RULE(traceTrigger)                  \

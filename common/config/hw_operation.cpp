@@ -31,8 +31,8 @@ std::unique_ptr<OperationMetadata> HWOperation::createMetadata() const {
         extract_number_i(*given, width);
     }
     return std::make_unique<OperationMetadata>(getName(), m_collectorType,
-                                               (width + BITS_PER_BYTE - 1) / BITS_PER_BYTE, getOrgMsgTag(),
-                                               m_pairs.get());
+                                               width / BITS_PER_BYTE + (width % BITS_PER_BYTE == 0 ? 0 : 1),
+                                               getOrgMsgTag(), m_pairs.get());
 }
 
 bool HWOperation::canSetCategory() const {

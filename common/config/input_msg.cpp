@@ -161,9 +161,9 @@ int InputMsg::execute(const std::vector<std::pair<std::string, std::string>>& va
 }
 
 std::unique_ptr<MsgMetadata> InputMsg::createMsgMetadata() const {
-    auto record =
-        std::make_unique<MsgMetadata>(static_cast<pw_u32_t>(m_pluginId), static_cast<pw_u32_t>(m_metricId),
-                                      static_cast<pw_u32_t>(m_msgId), m_featureName, m_name);
+    auto record = std::make_unique<MsgMetadata>(
+        static_cast<pw_u32_t>(m_pluginId), static_cast<pw_u32_t>(m_metricId), static_cast<pw_u32_t>(m_msgId),
+        m_featureName.empty() ? m_configfilePrefix : m_featureName, m_name);
     for (const std::string& group : m_capGroups) {
         record->addCapGroup(group);
     }

@@ -12,6 +12,10 @@ namespace pwr {
 /// The object answers getName(), and its name never changes: the index refers to it.
 template <class Object> class NamedList {
 public:
+    NamedList() = default;
+    NamedList(const NamedList&) = delete;
+    NamedList& operator=(const NamedList&) = delete;
+
     [[nodiscard]] Object* find(std::string_view name) const {
         const auto found = m_index.find(name);
         return found == m_index.end() ? nullptr : found->second;

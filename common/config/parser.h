@@ -27,7 +27,7 @@ public:
     Parser& operator=(const Parser&) = delete;
 
     /// The platform of the name, made on first mention. A parent that is not there yet is waited for; an empty
-    /// parent name means none.
+    /// parent name means none. A parent's own parents must not lead back to the platform.
     Platform& getOrCreatePlatform(const std::string& name, const std::string& parentName);
     /// The parent that a platform's name implies: "A-B" descends from "A", "A" from the root, the root from none.
     static std::string getParentName(std::string_view name);

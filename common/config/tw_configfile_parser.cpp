@@ -33,9 +33,16 @@ std::unique_ptr<Parser> makeParser() {
     try {
         return std::make_unique<Parser>();
     } catch (const std::exception&) {
-        logError("ERROR initializing parser\n");
-        return nullptr;
+        return nullptr; // parse() says so: there may be no logger yet
     }
+}
+
+/// Whether there is anything that statements can go to.
+bool isSetUp(const std::unique_ptr<Parser>& parser) {
+    if (parser == nullptr) {
+        logError("ERROR initializing parser\n");
+    }
+    return parser != nullptr;
 }
 
 /// Whether what two platforms offer under one prefix is the same capability, so that a list of both has it once.
@@ -68,7 +75,7 @@ void TWConfigFileParser::destroy() {
 }
 
 int TWConfigFileParser::parse(const std::vector<std::string>& files) {
-    if (m_contents->parser == nullptr) {
+    if (!isSetUp(m_contents->parser)) {
         return 1;
     }
     HardwareConfigGrammar grammar(*m_contents->parser, m_contents->collectors);
@@ -84,7 +91,7 @@ int TWConfigFileParser::parse(const std::vector<std::string>& files) {
 }
 
 int TWConfigFileParser::parseText(const std::string& name, std::string_view text) {
-    if (m_contents->parser == nullptr) {
+    if (!isSetUp(m_contents->parser)) {
         return 1;
     }
     HardwareConfigGrammar grammar(*m_contents->parser, m_contents->collectors);
