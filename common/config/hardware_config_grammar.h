@@ -16,24 +16,20 @@ namespace pwr {
 class CollectorTypes;
 
 /// All rules, by the names that stand in diagnostics. A rule NAME is the function NAME_i().
+// clang-format off
 #define HARDWARE_CONFIG_RULES(RULE)                                                                          \
-    RULE(platformRule)                                                                                       \
-    RULE(platformHead)                                                                                       \
-    RULE(platformSub)                                                                                        \
+    RULE(platformRule) RULE(platformHead) RULE(platformSub)                                                  \
     RULE(modelRule) RULE(modelFMSRule) RULE(fmsValues) RULE(fmsValue) RULE(modelPCIRule) RULE(pciValue)      \
-        RULE(modelTAFRule) RULE(TAFValue) RULE(modelTAFDeprecatedGUIDsRule) RULE(TAFDeprecatedGUIDs)         \
-            RULE(modelOtherRule) RULE(modelSpec) RULE(modelValue) RULE(modelRange) RULE(modelRangeSub)       \
-                RULE(metricRule) RULE(capRule) RULE(capSub) RULE(capSubHelp) RULE(capSubCmdline)             \
-                    RULE(capSubHidden) RULE(capSubGroup) RULE(capValue) RULE(inheritRule) RULE(inheritSub)   \
-                        RULE(inheritMode) RULE(inheritValue) RULE(tagSub) RULE(msgSub) RULE(msgGroup)        \
-                            RULE(msgGroupList) RULE(msgID) RULE(msgIDValue) RULE(msgSource)                  \
-                                RULE(msgSourceRule) RULE(msgReadWhen) RULE(msgWriteWhen)                     \
-                                    RULE(msgReadWhenMaxDetail) RULE(msgWriteWhenMaxDetail)                   \
-                                        RULE(msgReadWhere) RULE(msgWriteWhere) RULE(readWriteCPU)            \
-                                            RULE(triggers) RULE(trigger) RULE(traceTrigger)                  \
-                                                RULE(notifierTrigger) RULE(constantSub) RULE(constantAny)    \
-                                                    RULE(constantAnyValue) RULE(hwMechRule) RULE(hwCatRule)  \
-                                                        RULE(directValue)
+    RULE(modelTAFRule) RULE(TAFValue) RULE(modelTAFDeprecatedGUIDsRule) RULE(TAFDeprecatedGUIDs)             \
+    RULE(modelOtherRule) RULE(modelSpec) RULE(modelValue) RULE(modelRange) RULE(modelRangeSub)               \
+    RULE(metricRule) RULE(capRule) RULE(capSub) RULE(capSubHelp) RULE(capSubCmdline) RULE(capSubHidden)      \
+    RULE(capSubGroup) RULE(capValue) RULE(inheritRule) RULE(inheritSub) RULE(inheritMode) RULE(inheritValue) \
+    RULE(tagSub) RULE(msgSub) RULE(msgGroup) RULE(msgGroupList) RULE(msgID) RULE(msgIDValue) RULE(msgSource) \
+    RULE(msgSourceRule) RULE(msgReadWhen) RULE(msgWriteWhen) RULE(msgReadWhenMaxDetail)                      \
+    RULE(msgWriteWhenMaxDetail) RULE(msgReadWhere) RULE(msgWriteWhere) RULE(readWriteCPU)                    \
+    RULE(triggers) RULE(trigger) RULE(traceTrigger) RULE(notifierTrigger)                                    \
+    RULE(constantSub) RULE(constantAny) RULE(constantAnyValue) RULE(hwMechRule) RULE(hwCatRule) RULE(directValue)
+// clang-format on
 
 /// The grammar of the hardware description: turns statements into platforms and what belongs to them.
 /// What a statement names stays current, because the next statement mostly names the same again.

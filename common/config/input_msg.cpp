@@ -176,8 +176,9 @@ std::unique_ptr<MsgMetadata> InputMsg::createMsgMetadata() const {
     OrderedPairs constants;
     for (const bool areOwn : {true, false}) {
         for (const Operation* operation : m_operations) {
+            const bool isOwn = operation->getOrgMsgTag() == m_name;
             const auto* const constant = dynamic_cast<const CONSTANTOperation*>(operation);
-            if (constant != nullptr && (constant->getOrgMsgTag() == m_name) == areOwn) {
+            if (constant != nullptr && isOwn == areOwn) {
                 for (const auto& [key, value] : *constant) {
                     constants.add(key, value);
                 }
