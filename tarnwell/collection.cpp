@@ -4,10 +4,13 @@
 #include "common/platform/child_process.h"
 #include "common/platform/interrupt.h"
 #include "common/tw_clock.h"
+#include "tarnwell/clock_moments.h"
 #include "tarnwell/collection_clock.h"
+#include "tarnwell/computation.h"
 #include "tarnwell/message_set.h"
 #include "tarnwell/poll_schedule.h"
 #include "tarnwell/progress_line.h"
+#include "tarnwell/saving.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,61 +19,59 @@ namespace tarnwell {
 namespace {
 
 constexpr double kMillisecondsPerSecond = 1000.0;
-constexpr std::uint64_t kNanosecondsPerMicrosecond = 1000;
-
-std::uint64_t microsecondsSinceEpoch() {
-    return pwr::TWNanoClock().getTimestamp() / kNanosecondsPerMicrosecond;
-}
 
 } // namespace
 
-Collection::Collection(const Settings& settings, CollectionClock& clock, MessageSet& messages,
-                       const std::vector<MetricPlugin*>& metrics, pwr::SystemMetadata& system)
-    : m_settings(settings), m_clock(clock), m_messages(messages), m_metrics(metrics), m_system(system) {}
+Collection::Collection(const Settings& settings, const CollectionParts& parts)
+    : m_settings(settings), m_parts(parts) {}
 
 void Collection::begin() {
-    m_system.startTimeval = m_clock.isRecorded() ? 0 : microsecondsSinceEpoch();
-    m_system.startTSC = m_clock.now();
-    m_lastRead = m_system.startTSC;
+    pwr::SystemMetadata& system = m_parts.system;
+    system.startTimeval = m_parts.clock.isRecorded() ? 0 : wallClockMicroseconds();
+    system.startTSC = m_parts.clock.now();
+    m_lastRead = system.startTSC;
 }
 
 CollectionOutcome Collection::run(pwr::platform::ChildProcess* child, ProgressLine& progress) {
-    const double ticksPerSecond = m_clock.ticksPerSecond();
+    const double ticksPerSecond = m_parts.clock.ticksPerSecond();
     const auto interval = static_cast<std::uint64_t>(
         std::llround(m_settings.intervalMs / kMillisecondsPerSecond * ticksPerSecond));
-    const std::uint64_t begin = m_system.startTSC;
+    const std::uint64_t begin = m_parts.system.startTSC;
     const std::uint64_t stop = plannedStop_i();
     const double total = stop == UINT64_MAX ? 0 : static_cast<double>(stop - begin) / ticksPerSecond;
 
-    read_i("BEGIN");
+    const auto& first = read_i("BEGIN");
+    const std::vector<pwr::TWClockSync> moment = m_parts.moments.take();
+    m_parts.system.clockSyncs.assign(moment.begin(), moment.end());
+    m_parts.saving.begin(m_parts.system, moment);
+    use_i(first);
     PollSchedule schedule(begin, interval, stop);
-    std::uint64_t deadline = schedule.nextDeadline(m_clock.now());
+    std::uint64_t deadline = schedule.nextDeadline(m_parts.clock.now());
+    m_parts.saving.settle(deadline);
     const auto mustStop = [&] {
         m_outcome.wasInterrupted = pwr::platform::interruptCount() > 0;
         return m_outcome.wasInterrupted || (child != nullptr && child->hasEnded());
     };
     while (!mustStop()) {
-        const std::uint64_t now = m_clock.now();
+        const std::uint64_t now = m_parts.clock.now();
         if (now < deadline) {
-            m_clock.waitUntil(deadline, child);
+            m_parts.clock.waitUntil(deadline, child);
         } else if (schedule.isStop(deadline)) {
             break;
         } else {
-            read_i("POLL");
+            use_i(read_i("POLL"));
             ++m_outcome.polls;
-            deadline = schedule.nextDeadline(m_clock.now());
+            deadline = schedule.nextDeadline(m_parts.clock.now());
+            m_parts.saving.settle(deadline);
         }
-        progress.show(static_cast<double>(m_clock.now() - begin) / ticksPerSecond, total, m_outcome.polls,
-                      schedule.missed());
+        progress.show(static_cast<double>(m_parts.clock.now() - begin) / ticksPerSecond, total,
+                      m_outcome.polls, schedule.missed());
     }
     progress.clear();
-    read_i("END");
-
-    m_system.stopTSC = std::max(m_clock.now(), m_lastRead);
-    m_system.stopTimeval = m_clock.isRecorded() ? 0 : microsecondsSinceEpoch();
-    m_system.producedSamples = m_messages.producedValues();
+    use_i(read_i("END"));
+    end_i();
     m_outcome.missedTicks = schedule.missed();
-    m_outcome.seconds = static_cast<double>(m_system.stopTSC - begin) / ticksPerSecond;
+    m_outcome.seconds = static_cast<double>(m_parts.system.stopTSC - begin) / ticksPerSecond;
     m_outcome.meanIntervalMs =
         millisecondsOf_i(m_lastRead - begin) / static_cast<double>(m_outcome.polls + 1);
     return m_outcome;
@@ -78,25 +79,39 @@ CollectionOutcome Collection::run(pwr::platform::ChildProcess* child, ProgressLi
 
 std::uint64_t Collection::plannedStop_i() const {
     if (!m_settings.seconds) {
-        const std::uint64_t atLeast = m_system.startTSC + 1;
-        return std::max(m_clock.naturalStop(), atLeast);
+        const std::uint64_t atLeast = m_parts.system.startTSC + 1;
+        return std::max(m_parts.clock.naturalStop(), atLeast);
     }
-    const double ticks = *m_settings.seconds * m_clock.ticksPerSecond();
-    return m_system.startTSC + static_cast<std::uint64_t>(std::llround(ticks));
+    const double ticks = *m_settings.seconds * m_parts.clock.ticksPerSecond();
+    return m_parts.system.startTSC + static_cast<std::uint64_t>(std::llround(ticks));
 }
 
-void Collection::read_i(const char* trigger) {
-    const std::uint64_t at = m_clock.now();
+const std::vector<const CollectionData*>& Collection::read_i(const char* trigger) {
+    const std::uint64_t at = m_parts.clock.now();
     if (at > m_lastRead) {
         m_outcome.longestIntervalMs =
             std::max(m_outcome.longestIntervalMs, millisecondsOf_i(at - m_lastRead));
     }
     m_lastRead = at;
-    m_messages.execute(trigger, m_metrics);
+    return m_parts.messages.read(trigger);
+}
+
+void Collection::use_i(const std::vector<const CollectionData*>& round) {
+    m_parts.saving.save(round);
+    for (const CollectionData* reading : round) {
+        m_parts.computation.process(*reading);
+    }
+}
+
+void Collection::end_i() {
+    pwr::SystemMetadata& system = m_parts.system;
+    system.stopTSC = std::max(m_parts.clock.now(), m_lastRead);
+    system.stopTimeval = m_parts.clock.isRecorded() ? 0 : wallClockMicroseconds();
+    system.producedSamples = m_parts.messages.producedValues();
 }
 
 double Collection::millisecondsOf_i(std::uint64_t ticks) const {
-    return static_cast<double>(ticks) / m_clock.ticksPerSecond() * kMillisecondsPerSecond;
+    return static_cast<double>(ticks) / m_parts.clock.ticksPerSecond() * kMillisecondsPerSecond;
 }
 
 } // namespace tarnwell

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "common/plugin/collection_data.h"
 #include "tarnwell/settings.h"
 
 #include <cstdint>
-#include <string>
 #include <vector>
-
-class MetricPlugin;
 
 namespace pwr {
 class SystemMetadata;
@@ -17,9 +15,12 @@ class ChildProcess;
 
 namespace tarnwell {
 
+class ClockMoments;
 class CollectionClock;
+class Computation;
 class MessageSet;
 class ProgressLine;
+class Saving;
 
 /// How one collection went.
 struct CollectionOutcome {
@@ -31,13 +32,22 @@ struct CollectionOutcome {
     bool wasInterrupted = false;
 };
 
-/// Reads at the begin, at every tick of the interval and at the end, and hands each reading to the metric
-/// plug-ins. Ends when the time is over, at Ctrl-C, when the command ends, or at the end of a recorded
+/// What one collection works on.
+struct CollectionParts {
+    CollectionClock& clock;
+    const ClockMoments& moments;
+    MessageSet& messages;
+    Saving& saving;
+    Computation& computation;
+    pwr::SystemMetadata& system;
+};
+
+/// Reads at the begin, at every tick of the interval and at the end. Each round of readings is saved first and then
+/// handed to the metric plug-ins, so that a fault of theirs costs no data. Ends when the time is over, at Ctrl-C, when the command ends, or at the end of a recorded
 /// machine, whichever comes first.
 class Collection {
 public:
-    Collection(const Settings& settings, CollectionClock& clock, MessageSet& messages,
-               const std::vector<MetricPlugin*>& metrics, pwr::SystemMetadata& system);
+    Collection(const Settings& settings, const CollectionParts& parts);
 
     /// Notes the begin in the system record, which the metric containers read with the first sample.
     void begin();
@@ -46,14 +56,13 @@ public:
 
 private:
     std::uint64_t plannedStop_i() const;
-    void read_i(const char* trigger);
+    const std::vector<const CollectionData*>& read_i(const char* trigger);
+    void use_i(const std::vector<const CollectionData*>& round);
+    void end_i();
     double millisecondsOf_i(std::uint64_t ticks) const;
 
     const Settings& m_settings;
-    CollectionClock& m_clock;
-    MessageSet& m_messages;
-    const std::vector<MetricPlugin*>& m_metrics;
-    pwr::SystemMetadata& m_system;
+    CollectionParts m_parts;
     CollectionOutcome m_outcome;
     std::uint64_t m_lastRead = 0;
 };

@@ -1,11 +1,18 @@
 #include "tarnwell/doctor.h"
 
-#include "common/machine_bundle.h"
+#include "common/machine_files.h"
+#include "common/platform/interrupt.h"
 #include "tarnwell/capture.h"
+#include "tarnwell/collection_clock.h"
+#include "tarnwell/command_options.h"
+#include "tarnwell/complaints.h"
 #include "tarnwell/exit_code.h"
 #include "tarnwell/feature_list.h"
+#include "tarnwell/host_environment.h"
 #include "tarnwell/plugin_set.h"
 #include "tarnwell/settings.h"
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -17,8 +24,7 @@ std::string padded(const std::string& text, std::size_t width) {
     return text + std::string(text.size() < width ? width - text.size() : 0, ' ');
 }
 
-} // namespace
-
+/// What this machine offers and, for what it does not, the reason and the fix.
 std::string doctorReport(const FeatureList& features, const PluginSet& plugins) {
     std::size_t width = 0;
     for (const Feature& feature : features.all()) {
@@ -40,20 +46,47 @@ std::string doctorReport(const FeatureList& features, const PluginSet& plugins) 
     return text;
 }
 
-int runDoctor(const Settings& settings, const FeatureList& features, const PluginSet& plugins,
-              const pwr::MachineFiles& machine) {
-    std::fputs(doctorReport(features, plugins).c_str(), stdout);
+int writeBundle(const Settings& settings, const pwr::MachineFiles& machine) {
+    std::string reason;
+    if (captureMachine(machine, settings, reason) != 0) {
+        return fail(ExitCode::FAILED, reason);
+    }
+    std::printf("Wrote %s\n", settings.captureFile.c_str());
+    return 0;
+}
+
+} // namespace
+
+void declareDoctor(CLI::App& options, Settings& settings) {
+    options
+        .add_option("--capture", settings.captureFile,
+                    "also write a bundle of the machine for tests and bug reports")
+        ->type_name("FILE");
+    declareTime(options, settings, "seconds to record for the bundle (default 1)");
+    declareInterval(options, settings, "milliseconds between the bundle's moments");
+    declareMachine(options, settings, "look at this root folder or captured bundle");
+}
+
+int runDoctor(const Settings& settings) {
+    std::string reason;
+    const std::unique_ptr<pwr::MachineFiles> machine = openChosenMachine(settings, reason);
+    if (machine == nullptr) {
+        return fail(ExitCode::FAILED, reason);
+    }
+    CollectionClock clock(*machine);
+    HostEnvironment environment(settings.outputPrefix);
+    environment.useClock(clock.source());
+    PluginSet plugins;
+    plugins.load(environment.folder() + "plugins", collectingOptions(settings));
+    pwr::platform::installInterruptHandler();
+    std::fputs(doctorReport(FeatureList(plugins.collectors()), plugins).c_str(), stdout);
     if (!settings.captureFile.empty()) {
-        std::string reason;
-        if (captureMachine(machine, settings, reason) != 0) {
-            std::fprintf(stderr, "tarnwell: %s\n", reason.c_str());
-            return toInt(ExitCode::FAILED);
+        if (const int code = writeBundle(settings, *machine); code != 0) {
+            return code;
         }
-        std::printf("Wrote %s\n", settings.captureFile.c_str());
     }
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        std::fprintf(stderr, "tarnwell: the list could not be written completely\n");
-        return toInt(ExitCode::FAILED);
+        return fail(ExitCode::FAILED, "the list could not be written completely");
     }
     return plugins.problems().empty() ? toInt(ExitCode::DONE) : toInt(ExitCode::PARTIAL);
 }

@@ -1,22 +1,17 @@
 #pragma once
 
-#include <string>
-
-namespace pwr {
-class MachineFiles;
+namespace CLI {
+class App;
 }
 
 namespace tarnwell {
 
-class FeatureList;
-class PluginSet;
 struct Settings;
 
-/// The list of features as a text: what this machine offers and, for what it does not, the reason and the fix.
-std::string doctorReport(const FeatureList& features, const PluginSet& plugins);
+void declareDoctor(CLI::App& options, Settings& settings);
 
-/// Prints the list and, when asked to, writes the bundle of the machine. Gives the program's exit code.
-int runDoctor(const Settings& settings, const FeatureList& features, const PluginSet& plugins,
-              const pwr::MachineFiles& machine);
+/// Lists the features: what this machine offers and, for what it does not, the reason and the fix. When asked to,
+/// writes the bundle of the machine.
+int runDoctor(const Settings& settings);
 
 } // namespace tarnwell

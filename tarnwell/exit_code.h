@@ -8,6 +8,7 @@ enum class ExitCode : int {
     FAILED = 1,
     USAGE = 2,
     PARTIAL = 3,            ///< something that was asked for is missing from the report
+    DAMAGED = 4,            ///< the saved collection is damaged or was not closed; what is intact was used
     COMMAND_NOT_FOUND = 127 ///< the command to run could not be started
 };
 

@@ -1,6 +1,7 @@
 #include "tarnwell/feature_list.h"
 
 #include "common/plugin/collector_plugin.h"
+#include "tarnwell/collector_record.h"
 
 #include <algorithm>
 
@@ -9,19 +10,29 @@ namespace tarnwell {
 FeatureList::FeatureList(const std::vector<CollectorPlugin*>& collectors) {
     for (const CollectorPlugin* collector : collectors) {
         for (const PluginCapability* capability : collector->getCapabilities()) {
-            if (capability->isHidden()) {
-                continue;
-            }
-            Feature feature{capability->getName(), capability->getDescription(), capability->isAvailable(),
-                            capability->getReason(), capability->getFix()};
-            const auto known = std::find_if(m_features.begin(), m_features.end(),
-                                            [&](const Feature& other) { return other.name == feature.name; });
-            if (known == m_features.end()) {
-                m_features.push_back(std::move(feature));
-            } else if (!known->isAvailable && feature.isAvailable) {
-                *known = std::move(feature);
+            if (!capability->isHidden()) {
+                add_i({capability->getName(), capability->getDescription(), capability->isAvailable(),
+                       capability->getReason(), capability->getFix()});
             }
         }
+    }
+}
+
+FeatureList::FeatureList(const std::vector<const pwr::CollectorMetadata*>& records) {
+    for (const pwr::CollectorMetadata* record : records) {
+        for (Feature& feature : recordedFeatures(*record)) {
+            add_i(std::move(feature));
+        }
+    }
+}
+
+void FeatureList::add_i(Feature feature) {
+    const auto known = std::find_if(m_features.begin(), m_features.end(),
+                                    [&](const Feature& other) { return other.name == feature.name; });
+    if (known == m_features.end()) {
+        m_features.push_back(std::move(feature));
+    } else if (!known->isAvailable && feature.isAvailable) {
+        *known = std::move(feature);
     }
 }
 
@@ -39,6 +50,11 @@ std::string FeatureList::names(bool available) const {
         }
     }
     return text;
+}
+
+std::string unavailableText(const Feature& feature) {
+    return feature.name + " is not available: " + feature.reason +
+           (feature.fix.empty() ? "" : " (" + feature.fix + ")");
 }
 
 } // namespace tarnwell

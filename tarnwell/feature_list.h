@@ -5,6 +5,10 @@
 
 class CollectorPlugin;
 
+namespace pwr {
+class CollectorMetadata;
+}
+
 namespace tarnwell {
 
 /// One feature that some collector knows, and whether this machine has it.
@@ -21,6 +25,8 @@ struct Feature {
 class FeatureList {
 public:
     explicit FeatureList(const std::vector<CollectorPlugin*>& collectors);
+    /// As it was on the machine of a saved collection.
+    explicit FeatureList(const std::vector<const pwr::CollectorMetadata*>& records);
 
     const std::vector<Feature>& all() const { return m_features; }
     const Feature* find(const std::string& name) const;
@@ -29,7 +35,12 @@ public:
     std::string names(bool available) const;
 
 private:
+    void add_i(Feature feature);
+
     std::vector<Feature> m_features;
 };
+
+/// "idle is not available: no such folder (load the driver)": the reason why a report lacks a feature.
+std::string unavailableText(const Feature& feature);
 
 } // namespace tarnwell

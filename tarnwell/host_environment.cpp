@@ -2,14 +2,14 @@
 
 #include "common/model/data_handle_provider.h"
 #include "common/plugin/plugin_environment.h"
+#include "common/tw_clock.h"
 #include "common/writer/writer_plugin.h"
 #include "common/writer/writer_stream.h"
 #include "common/writer/writer_stream_host.h"
-#include "tarnwell/settings.h"
 
 namespace tarnwell {
 
-HostEnvironment::HostEnvironment(const Settings& settings, CollectionClock& clock) {
+HostEnvironment::HostEnvironment(const std::string& resultPrefix) {
     PluginEnvironment& environment = *g_pluginEnvironment;
     environment.setErrorLogger(&m_errors);
     environment.setDebugLogger(&m_errors);
@@ -17,10 +17,13 @@ HostEnvironment::HostEnvironment(const Settings& settings, CollectionClock& cloc
     environment.setDataOutputHandle(&m_output);
     environment.setVerbosity(pwr::PWLogLevel::WARNING);
     environment.setTarnwellDirectory();
-    environment.setResultFilePrefix(settings.outputPrefix);
-    const float frequency = clock.source().getFrequency();
-    environment.setDefaultClock(&clock.source());
-    environment.setDefaultClockToTSCRatio(frequency, frequency);
+    environment.setResultFilePrefix(resultPrefix);
+}
+
+void HostEnvironment::useClock(pwr::TWClockSource& clock) {
+    const float frequency = clock.getFrequency();
+    g_pluginEnvironment->setDefaultClock(&clock);
+    g_pluginEnvironment->setDefaultClockToTSCRatio(frequency, frequency);
 }
 
 HostEnvironment::~HostEnvironment() {

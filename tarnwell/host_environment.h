@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tarnwell/collection_clock.h"
 #include "tarnwell/standard_streams.h"
 
 #include <set>
@@ -9,18 +8,23 @@
 class WriterPlugin;
 class WriterStream;
 
-namespace tarnwell {
+namespace pwr {
+class TWClockSource;
+}
 
-struct Settings;
+namespace tarnwell {
 
 /// Fills the process-wide environment for one run and empties it again: loggers on the standard streams,
 /// the default clock, the folder of the library, the result prefix, and the writer stream.
 class HostEnvironment {
 public:
-    HostEnvironment(const Settings& settings, CollectionClock& clock);
+    explicit HostEnvironment(const std::string& resultPrefix);
     HostEnvironment(const HostEnvironment&) = delete;
     HostEnvironment& operator=(const HostEnvironment&) = delete;
     ~HostEnvironment();
+
+    /// Makes @p clock, which must outlive this object, the time base of everything.
+    static void useClock(pwr::TWClockSource& clock);
 
     /// Where the library lies, with a separator at the end; plug-ins and configuration stand beside it.
     const std::string& folder() const;

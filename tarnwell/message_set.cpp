@@ -3,9 +3,9 @@
 #include "common/metadata/metadata.h"
 #include "common/metadata/metric_metadata.h"
 #include "common/plugin/collector_plugin.h"
-#include "common/plugin/metric_plugin.h"
 #include "common/plugin/reading_precision.h"
 
+#include <algorithm>
 #include <map>
 
 namespace tarnwell {
@@ -76,27 +76,44 @@ void MessageSet::open_i(CollectorPlugin* collector, const pwr::MsgMetadata& meta
     message->collector = collector;
     message->metadata = &metadata;
     if (collector->open(metadata, message->instances) != 0) {
-        const std::string fix = message->instances.fix.empty() ? "" : " (" + message->instances.fix + ")";
-        m_problems.push_back(metadata.getCapName() + ": " + message->instances.reason + fix);
+        const MessageInstances& why = message->instances;
+        m_failures.push_back({metadata.getCapName(), why.reason, why.fix});
+        m_problems.push_back(metadata.getCapName() + ": " + why.reason +
+                             (why.fix.empty() ? "" : " (" + why.fix + ")"));
         return;
     }
     m_messages.push_back(std::move(message));
 }
 
-void MessageSet::announce(const std::vector<MetricPlugin*>& metrics,
-                          const pwr::SystemMetadata& system) const {
-    for (MetricPlugin* metric : metrics) {
-        for (const std::unique_ptr<pwr::Metadata>& declaration : m_declarations) {
-            metric->processMetadata(*declaration);
-        }
-        for (const std::unique_ptr<Message>& message : m_messages) {
-            metric->processInstances(*message->metadata, message->instances);
-        }
-        metric->initializeCollection(system);
+std::vector<const pwr::Metadata*> MessageSet::declarations() const {
+    std::vector<const pwr::Metadata*> all;
+    all.reserve(m_declarations.size());
+    for (const std::unique_ptr<pwr::Metadata>& declaration : m_declarations) {
+        all.push_back(declaration.get());
     }
+    return all;
 }
 
-void MessageSet::execute(const std::string& trigger, const std::vector<MetricPlugin*>& metrics) {
+std::vector<AnnouncedMessage> MessageSet::announced() const {
+    std::vector<AnnouncedMessage> all;
+    all.reserve(m_messages.size());
+    for (const std::unique_ptr<Message>& message : m_messages) {
+        all.push_back({message->metadata, &message->instances});
+    }
+    return all;
+}
+
+const OpenFailure* MessageSet::failureOf(const std::string& feature) const {
+    const bool isOpen = std::any_of(m_messages.begin(), m_messages.end(), [&](const auto& message) {
+        return message->metadata->getCapName() == feature;
+    });
+    const auto failure = std::find_if(m_failures.begin(), m_failures.end(),
+                                      [&](const OpenFailure& f) { return f.feature == feature; });
+    return isOpen || failure == m_failures.end() ? nullptr : &*failure;
+}
+
+const std::vector<const CollectionData*>& MessageSet::read(const std::string& trigger) {
+    m_round.clear();
     for (const std::unique_ptr<Message>& message : m_messages) {
         if (message->metadata->getTriggers().count(trigger) == 0) {
             continue;
@@ -109,10 +126,9 @@ void MessageSet::execute(const std::string& trigger, const std::vector<MetricPlu
         }
         pwr::dropMeaninglessDigits(message->data.header());
         count_i(message->data);
-        for (MetricPlugin* metric : metrics) {
-            metric->processMessage(message->data);
-        }
+        m_round.push_back(&message->data);
     }
+    return m_round;
 }
 
 void MessageSet::count_i(const CollectionData& data) {

@@ -2,6 +2,7 @@
 
 #include "common/metadata/msg_metadata.h"
 #include "common/plugin/collection_data.h"
+#include "tarnwell/computation.h"
 
 #include <cstdint>
 #include <memory>
@@ -10,17 +11,22 @@
 #include <vector>
 
 class CollectorPlugin;
-class MetricPlugin;
 
 namespace pwr {
 class Metadata;
-class SystemMetadata;
-} // namespace pwr
+}
 
 namespace tarnwell {
 
-/// The messages that one collection executes: declared by the collectors, numbered by the host, opened,
-/// and announced to the metric plug-ins. Owns the declarations, which everything else refers to.
+/// Why a message could not be opened.
+struct OpenFailure {
+    std::string feature;
+    std::string reason;
+    std::string fix;
+};
+
+/// The messages that one collection executes: declared by the collectors, numbered by the host, and opened.
+/// Owns the declarations, which everything else refers to.
 class MessageSet {
 public:
     MessageSet();
@@ -32,11 +38,13 @@ public:
     /// there are more than the ids can number. A message that cannot be opened is a problem and left out.
     int open(const std::vector<CollectorPlugin*>& collectors, const std::set<std::string>& features);
 
-    /// Hands the declarations and instances to the metric plug-ins, in the order of the ids.
-    void announce(const std::vector<MetricPlugin*>& metrics, const pwr::SystemMetadata& system) const;
+    /// All declarations, and the messages that could be opened, in the order of their numbers.
+    std::vector<const pwr::Metadata*> declarations() const;
+    std::vector<AnnouncedMessage> announced() const;
 
-    /// Executes every message that has the trigger and hands each reading on.
-    void execute(const std::string& trigger, const std::vector<MetricPlugin*>& metrics);
+    /// Executes every message that has the trigger. The readings are valid until the next call. All are taken before
+    /// the first is used, so that they lie as close together in time as the collectors allow.
+    const std::vector<const CollectionData*>& read(const std::string& trigger);
 
     /// Ends the reading: releases what the collectors hold.
     void close();
@@ -46,6 +54,8 @@ public:
     std::uint64_t failedReads() const { return m_failedReads; }
     bool isEmpty() const { return m_messages.empty(); }
     const std::vector<std::string>& problems() const { return m_problems; }
+    /// Why a chosen feature has no message at all; null when it has one.
+    const OpenFailure* failureOf(const std::string& feature) const;
 
 private:
     struct Message {
@@ -63,6 +73,8 @@ private:
 
     std::vector<std::unique_ptr<pwr::Metadata>> m_declarations;
     std::vector<std::unique_ptr<Message>> m_messages;
+    std::vector<const CollectionData*> m_round;
+    std::vector<OpenFailure> m_failures;
     std::vector<std::string> m_problems;
     unsigned m_collectorCount = 0;
     unsigned m_metricCount = 0;

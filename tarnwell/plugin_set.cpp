@@ -1,15 +1,38 @@
 #include "tarnwell/plugin_set.h"
 
+#include "common/machine_files.h"
 #include "common/plugin/collector_plugin.h"
 #include "common/plugin/metric_plugin.h"
 #include "common/writer/writer_plugin.h"
+#include "tarnwell/settings.h"
+#include "tarnwell/terminal.h"
+
+#include <algorithm>
 
 namespace tarnwell {
 
+std::unique_ptr<pwr::MachineFiles> openChosenMachine(const Settings& settings, std::string& reason) {
+    auto machine = pwr::openMachine(settings.machine, reason);
+    if (machine == nullptr) {
+        reason = "cannot read the machine " + settings.machine + ": " + reason;
+    }
+    return machine;
+}
+
+PluginOptions reportingOptions() {
+    return {{"color", wantsColor() ? "1" : "0"}};
+}
+
+PluginOptions collectingOptions(const Settings& settings) {
+    PluginOptions options = reportingOptions();
+    options.emplace_back("machine", settings.machine);
+    return options;
+}
+
 PluginSet::~PluginSet() = default;
 
-void PluginSet::load(const std::string& folder,
-                     const std::vector<std::pair<std::string, std::string>>& options) {
+void PluginSet::load(const std::string& folder, const PluginOptions& options) {
+    m_folder = folder;
     for (const auto& [key, value] : options) {
         m_loader.setOption(key, value);
     }
@@ -25,11 +48,24 @@ void PluginSet::load(const std::string& folder,
     m_writers.insert(writers.begin(), writers.end());
     if (result != 0 && m_loader.getFiles().empty()) {
         m_problems.push_back("no plug-ins: the folder " + folder + " cannot be read");
-    } else if (!isComplete()) {
-        const char* const kind = m_collectors.empty() ? "collector" : m_metrics.empty() ? "metric" : "writer";
-        m_problems.push_back("there is no " + std::string(kind) + " plug-in in " + folder +
-                             ": is the installation complete?");
     }
+}
+
+std::string PluginSet::missingKind(bool collects) const {
+    const char* const kind = collects && m_collectors.empty() ? "collector"
+                             : m_metrics.empty()              ? "metric"
+                             : m_writers.empty()              ? "writer"
+                                                              : nullptr;
+    return kind == nullptr ? std::string()
+                           : "there is no " + std::string(kind) + " plug-in in " + m_folder +
+                                 ": is the installation complete?";
+}
+
+std::string PluginSet::versionOf(const Plugin& plugin) const {
+    const auto& files = m_loader.getFiles();
+    const auto file =
+        std::find_if(files.begin(), files.end(), [&](const auto& f) { return f.plugin.get() == &plugin; });
+    return file == files.end() ? std::string() : file->libraryVersion;
 }
 
 } // namespace tarnwell

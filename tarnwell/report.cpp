@@ -1,37 +1,18 @@
 #include "tarnwell/report.h"
 
 #include "common/metadata/system_metadata.h"
-#include "common/plugin/metric_plugin.h"
 #include "common/pw_utils.h"
 #include "common/result_file.h"
-#include "common/writer/writer_message.h"
-#include "common/writer/writer_stream.h"
-#include "common/writer/writer_stream_host.h"
 #include "tarnwell/collection.h"
 #include "tarnwell/collection_clock.h"
-#include "tarnwell/host_environment.h"
 #include "tarnwell/message_set.h"
+#include "tarnwell/number_words.h"
 #include "tarnwell/settings.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <iterator>
 
 namespace tarnwell {
-namespace {
-
-std::string milliseconds(double value) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.1f ms", value);
-    return text.data();
-}
-
-std::string counted(std::uint64_t count, const std::string& thing) {
-    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
-} // namespace
 
 void describeRun(const Settings& settings, const CollectionClock& clock, pwr::SystemMetadata& system) {
     system.twaClockFreq = clock.source().getFrequency();
@@ -64,20 +45,6 @@ std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const Mes
         notes.push_back("Not collected: " + feature);
     }
     return notes;
-}
-
-int writeReport(HostEnvironment& environment, const std::vector<MetricPlugin*>& metrics,
-                const pwr::SystemMetadata& system, const std::vector<std::string>& notes) {
-    WriterStream& stream = environment.stream();
-    pwr::SystemMessage message(&system);
-    stream.pushMessage(message);
-    for (MetricPlugin* metric : metrics) {
-        metric->finalizeCollection(system.stopTSC);
-    }
-    for (const std::string& note : notes) {
-        stream.pushTextMessage(note);
-    }
-    return pwr::WriterStreamHost::flush(stream);
 }
 
 std::string outputPrefixProblem(const std::string& prefix) {

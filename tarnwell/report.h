@@ -3,8 +3,6 @@
 #include <string>
 #include <vector>
 
-class MetricPlugin;
-
 namespace pwr {
 class SystemMetadata;
 }
@@ -12,7 +10,6 @@ class SystemMetadata;
 namespace tarnwell {
 
 class CollectionClock;
-class HostEnvironment;
 class MessageSet;
 struct CollectionOutcome;
 struct Settings;
@@ -25,11 +22,6 @@ void describeRun(const Settings& settings, const CollectionClock& clock, pwr::Sy
 std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const MessageSet& messages,
                                      const std::vector<std::string>& absent,
                                      const std::vector<std::string>& missing);
-
-/// Sends the system record, all tables and the notes through the stream, and has the writers write. 0; or 1
-/// when a writer could not.
-int writeReport(HostEnvironment& environment, const std::vector<MetricPlugin*>& metrics,
-                const pwr::SystemMetadata& system, const std::vector<std::string>& notes);
 
 /// Why nothing could be written under this prefix, or "" when it can: a missing or closed folder is better
 /// found before the collection than after it.

@@ -1,42 +1,33 @@
 #include "tarnwell/settings.h"
 
+#include "tarnwell/command_options.h"
 #include "tarnwell/exit_code.h"
+#include "tarnwell/subcommand.h"
 #include "tarnwell/version.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
+#include <array>
 #include <sstream>
 
 namespace tarnwell {
 namespace {
 
-// The saved interval has 16 bits; below a millisecond the reads would cost more than they show.
-constexpr std::uint32_t kShortestIntervalMs = 1;
-constexpr std::uint32_t kLongestIntervalMs = 60000;
-constexpr double kShortestSeconds = 0.001;
-constexpr double kLongestSeconds = 366.0 * 24 * 3600;
-
 constexpr const char* kDescription =
-    "Collects power, performance and thermal counters of this machine and prints summary tables.\n"
-    "Collects for --time seconds, until Ctrl-C, or while COMMAND runs.";
+    "Collects power, performance and thermal counters of this machine, prints summary tables and saves\n"
+    "the collection. Collects for --time seconds, until Ctrl-C, or while COMMAND runs.";
 
 constexpr const char* kFooter =
-    "Commands:\n"
-    "  tarnwell doctor             say what this machine offers, and why not the rest\n"
-    "  tarnwell --feature          the same\n"
-    "  tarnwell [options] -- CMD   collect while CMD runs\n"
+    "Also:\n"
+    "  tarnwell [options] -- CMD     collect while CMD runs\n"
+    "  tarnwell --input FILE         report from a saved collection\n"
+    "  tarnwell --feature            what this machine offers (as tarnwell doctor)\n"
+    "  tarnwell SUBCOMMAND --help    the options of a subcommand\n"
     "\n"
     "Exit codes: 0 done, 1 failed, 2 usage, 3 partial (something asked for is missing),\n"
+    "4 the saved collection is damaged or was not closed (the report says what is missing),\n"
     "127 COMMAND could not be started; a non-zero code of COMMAND wins.";
-
-struct RawOptions {
-    std::optional<std::string> interval;
-    std::optional<std::string> time;
-    std::optional<std::string> outputPrefix;
-};
 
 /// "--feature" with nothing behind it asks for the list; the option parser would call it an error, so it
 /// is taken out. True when there was one.
@@ -53,70 +44,95 @@ bool takeFeatureQuestion(std::vector<std::string>& arguments) {
     return isQuestion;
 }
 
-std::string rangeError(const char* option, const std::string& value, const std::string& expected) {
-    return "tarnwell: " + std::string(option) + " " + (value.empty() ? "\"\"" : value) + ": give " +
-           expected + "\n";
+/// An option that names something: an empty text is a variable that was not set, and results would silently go
+/// nowhere.
+CLI::Option* declareName(CLI::App& app, const std::string& option, std::string& target,
+                         const std::string& expected, const std::string& description) {
+    const auto read = [&target, option, expected](const std::string& text) {
+        if (text.empty()) {
+            throw CLI::ValidationError(option + " \"\"", "give " + expected);
+        }
+        target = text;
+    };
+    return app.add_option_function<std::string>(option, read, description);
 }
 
-/// Empty on success, else what is wrong.
-std::string readInterval(const std::string& text, std::uint32_t& out) {
-    std::uint32_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool whole = error == std::errc() && end == text.data() + text.size();
-    if (!whole || value < kShortestIntervalMs || value > kLongestIntervalMs) {
-        return rangeError("--interval", text, "a whole number of milliseconds from 1 to 60000");
-    }
-    out = value;
-    return {};
-}
-
-std::string readSeconds(const std::string& text, std::optional<double>& out) {
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool whole = error == std::errc() && end == text.data() + text.size() && std::isfinite(value);
-    if (!whole || value < kShortestSeconds || value > kLongestSeconds) {
-        return rangeError("--time", text, "a number of seconds from 0.001 to 31622400 (366 days)");
-    }
-    out = value;
-    return {};
-}
-
-void declareOptions(CLI::App& app, Settings& settings, RawOptions& raw) {
+void declareOptions(CLI::App& app, Settings& settings) {
     app.description(kDescription);
     app.footer(kFooter);
     app.set_version_flag("--version", std::string("tarnwell ") + kVersion);
     app.add_option("--feature", settings.features,
-                   "collect this feature only; repeat for more; without NAME: list")
+                   "collect (or report) this feature only; repeat for more; without NAME: list")
         ->type_name("NAME")
         ->allow_extra_args(false);
-    app.add_option("--interval", raw.interval, "milliseconds between samples (1 to 60000; default 100)")
-        ->type_name("MS");
-    app.add_option("--time", raw.time, "seconds to collect; with a command: at most so long")->type_name("S");
-    app.add_option("--output", raw.outputPrefix, "also write PREFIX.txt and one PREFIX_*.csv for each table")
+    declareInterval(app, settings, "milliseconds between samples (1 to 60000; default 100)");
+    declareTime(app, settings, "seconds to collect; with a command: at most so long");
+    declareName(app, "--output", settings.outputPrefix, "what the names of the result files start with",
+                "also write PREFIX.txt and one PREFIX_*.csv for each table")
         ->type_name("PREFIX");
     app.add_option("--output-config", settings.outputConfig,
-                   "output configuration instead of the shipped files")
+                   "output configuration instead of the shipped (or saved) files")
         ->type_name("FILE")
         ->allow_extra_args(false);
-    app.add_option("--machine", settings.machine, "read the machine from this root folder or captured bundle")
-        ->type_name("PLACE");
-    app.add_flag("--quiet", settings.quiet, "no progress line");
+    declareMachine(app, settings, "read the machine from this root folder or captured bundle");
+    auto* const save = declareName(app, "--save", settings.saveFile, "the name of the file to save to",
+                                   "save the collection here instead of in PREFIX.twc or tarnwell-TIME.twc")
+                           ->type_name("FILE");
+    app.add_flag_callback(
+           "--no-save", [&settings] { settings.saves = false; }, "do not save the collection")
+        ->excludes(save);
+    app.add_flag("--overwrite", settings.overwrite, "replace a file that the collection is to be saved in");
+    declareName(app, "--input", settings.inputFile, "the saved collection to report from",
+                "collect nothing: report from this saved collection")
+        ->type_name("FILE");
+    app.add_flag("--quiet", settings.quiet, "no progress line, no word on the saved file");
 }
 
-std::string checkedValues(const RawOptions& raw, Settings& settings) {
-    std::string error;
-    if (raw.interval) {
-        error = readInterval(*raw.interval, settings.intervalMs);
+void declareSubcommands(CLI::App& app, Settings& settings) {
+    for (const Subcommand& row : subcommands()) {
+        CLI::App* const own = app.add_subcommand(row.name, row.description);
+        row.declare(*own, settings);
+        own->final_callback([&settings, &row] { settings.subcommand = &row; });
     }
-    if (error.empty() && raw.time) {
-        error = readSeconds(*raw.time, settings.seconds);
+    app.require_subcommand(0, 1);
+}
+
+/// Options that say how to collect, where nothing is collected.
+std::string uselessOption(const CLI::App& app, const Settings& settings) {
+    static constexpr std::array kOnlyCollecting = {"--interval", "--time", "--machine", "--save",
+                                                   "--overwrite"};
+    for (const char* option : kOnlyCollecting) {
+        if (app.count(option) > 0) {
+            return option;
+        }
     }
-    // An empty text is a variable that was not set: results would silently go nowhere.
-    if (error.empty() && raw.outputPrefix && raw.outputPrefix->empty()) {
-        error = rangeError("--output", "", "what the names of the result files start with");
+    return settings.command.empty() ? std::string() : "a command behind --";
+}
+
+/// What does not go together, as a sentence; "" when all does.
+std::string contradiction(const CLI::App& app, const Settings& settings, bool endsWithSeparator,
+                          bool asksForFeatures) {
+    if (endsWithSeparator && settings.command.empty()) {
+        return "no command behind --";
     }
-    settings.outputPrefix = raw.outputPrefix.value_or("");
-    return error;
+    if (settings.subcommand != nullptr && app.count("--input") > 0) {
+        return std::string("--input reports from a saved collection, and does not go with ") +
+               settings.subcommand->name;
+    }
+    if (settings.subcommand != nullptr) {
+        return settings.command.empty() ? std::string()
+                                        : std::string(settings.subcommand->name) +
+                                              " runs no command; leave out \"--\" and what follows";
+    }
+    if (settings.inputFile.empty()) {
+        return {};
+    }
+    if (asksForFeatures) {
+        return "--feature without a name lists what this machine offers, which --input does not ask";
+    }
+    const std::string useless = uselessOption(app, settings);
+    return useless.empty() ? std::string()
+                           : useless + ": makes no sense with --input, which collects nothing";
 }
 
 } // namespace
@@ -124,7 +140,6 @@ std::string checkedValues(const RawOptions& raw, Settings& settings) {
 ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     ParsedCommandLine parsed;
     Settings settings;
-    RawOptions raw;
     settings.arguments = arguments;
     const auto separator = std::find(arguments.begin(), arguments.end(), "--");
     std::vector<std::string> own(arguments.begin(), separator);
@@ -133,20 +148,9 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     }
 
     CLI::App app("", "tarnwell");
-    declareOptions(app, settings, raw);
-    CLI::App* doctor =
-        app.add_subcommand("doctor", "say what this machine offers and, for what it does not, why");
-    doctor
-        ->add_option("--capture", settings.captureFile,
-                     "also write a bundle of the machine for tests and bug reports")
-        ->type_name("FILE");
-    doctor->add_option("--time", raw.time, "seconds to record for the bundle (default 1)")->type_name("S");
-    doctor->add_option("--interval", raw.interval, "milliseconds between the bundle's moments")
-        ->type_name("MS");
-    doctor->add_option("--machine", settings.machine, "look at this root folder or captured bundle")
-        ->type_name("PLACE");
-
-    const bool question = takeFeatureQuestion(own);
+    declareOptions(app, settings);
+    declareSubcommands(app, settings);
+    const bool asksForFeatures = takeFeatureQuestion(own);
     try {
         std::vector<std::string> reversed(own.rbegin(), own.rend());
         app.parse(reversed);
@@ -160,20 +164,14 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
         return parsed;
     }
 
-    parsed.error = checkedValues(raw, settings);
-    if (parsed.error.empty() && separator != arguments.end() && settings.command.empty()) {
-        parsed.error = "tarnwell: no command behind --\n";
+    if (asksForFeatures && settings.inputFile.empty() && settings.subcommand == nullptr) {
+        settings.subcommand = &subcommandOf("doctor");
     }
-    const bool asksDoctor = question || doctor->parsed();
-    if (parsed.error.empty() && asksDoctor && !settings.command.empty()) {
-        parsed.error = "tarnwell: the list of features runs no command; leave out \"--\" and what follows\n";
-    }
-    if (!parsed.error.empty()) {
+    const std::string reason = contradiction(app, settings, separator != arguments.end(), asksForFeatures);
+    if (!reason.empty()) {
+        parsed.error = "tarnwell: " + reason + "\n";
         parsed.exitCode = toInt(ExitCode::USAGE);
         return parsed;
-    }
-    if (asksDoctor) {
-        settings.action = Settings::Action::DOCTOR;
     }
     parsed.settings = std::move(settings);
     return parsed;

@@ -7,21 +7,30 @@
 
 namespace tarnwell {
 
+struct Subcommand;
+
 /// What the user asked for on the command line.
 struct Settings {
-    enum class Action : std::uint8_t { COLLECT, DOCTOR };
+    const Subcommand* subcommand = nullptr; ///< null: collect, or report from `inputFile` when that is given
 
-    Action action = Action::COLLECT;
-    std::vector<std::string> features; ///< empty: every feature that the machine offers
+    std::vector<std::string> features; ///< empty: every feature that the machine or the file offers
     std::uint32_t intervalMs = 100;
     std::optional<double> seconds;         ///< none: until Ctrl-C or until the command ends
     std::string outputPrefix;              ///< empty: results go to standard output only
-    std::vector<std::string> outputConfig; ///< empty: the files shipped beside the library
+    std::vector<std::string> outputConfig; ///< empty: the files shipped beside the library, or those saved
     std::string machine = "/";             ///< root folder or bundle of the machine to read
-    std::string captureFile;               ///< doctor: where to write a bundle of the machine
-    bool quiet = false;                    ///< no progress line
+    bool quiet = false;                    ///< neither a progress line nor a word about the saved file
     std::vector<std::string> command;      ///< what stands behind "--"
     std::vector<std::string> arguments;    ///< all of it as given, for the record
+
+    bool saves = true;
+    std::string saveFile; ///< empty: named after the prefix or the time
+    bool overwrite = false;
+
+    std::string inputFile;   ///< the saved collection to work on; empty: collect
+    std::string outputFile;  ///< what a subcommand writes; empty: standard output
+    std::string captureFile; ///< doctor: where to write a bundle of the machine
+    bool asJson = false;     ///< info: as one JSON object; export: one JSON object a line
 };
 
 /// What came of reading the command line: settings, or text to print and the code to end with.

@@ -11,9 +11,9 @@
 #include <cstdio>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
 namespace pwr {
@@ -38,10 +38,26 @@ std::string frequencyOrUnknown(float megahertz) {
     return megahertz > 0.0F ? megahertzText(megahertz) : c_unknown;
 }
 
-std::string secondsText(double seconds) {
+/// Seconds; the wall clock may have been set back meanwhile, then the ticks know better.
+std::optional<double> durationOf(const SystemMetadata& system) {
+    if (system.startTimeval != 0 && system.stopTimeval >= system.startTimeval) {
+        return static_cast<double>(system.stopTimeval - system.startTimeval) / c_microsecondsPerSecond;
+    }
+    if (system.stopTSC > system.startTSC && system.twaClockFreq > 0.0F) {
+        return static_cast<double>(system.stopTSC - system.startTSC) /
+               (double{system.twaClockFreq} * c_microsecondsPerSecond);
+    }
+    return std::nullopt;
+}
+
+std::string durationOrUnknown(const SystemMetadata& system) {
+    const std::optional<double> seconds = durationOf(system);
+    if (!seconds) {
+        return c_unknown;
+    }
     char buffer[96]; // 64 bits of ticks at the smallest frequency are below 10^59
-    const auto end = std::to_chars(buffer, std::end(buffer), seconds, std::chars_format::fixed, 6);
-    return end.ec == std::errc() ? std::string(buffer, end.ptr) : c_unknown;
+    const auto end = std::to_chars(buffer, std::end(buffer), *seconds, std::chars_format::fixed, 6);
+    return std::string(buffer, end.ptr);
 }
 
 /// A packed version in words; nothing for a part that is not there.
@@ -80,7 +96,8 @@ std::string displayNameOf(const PlatformMetadata* object) {
 std::string telemetryDevices(const SystemMetadata& system) {
     std::set<pw_u32_t> guids;
     for (const auto& [endpoint, info] : system.tafEndpoints) {
-        guids.insert(info.guid);
+        const pw_u32_t guid = info.guid; // a copy, because the packed record does not align its fields
+        guids.insert(guid);
     }
     std::vector<std::string> names;
     for (const pw_u32_t guid : guids) {
@@ -89,12 +106,11 @@ std::string telemetryDevices(const SystemMetadata& system) {
     return joined(names, ", ");
 }
 
-/// Devices without a name are shown as vendor:device, as bus listings do.
 std::string busDevices(const SystemMetadata& system) {
     std::vector<std::string> names;
+    names.reserve(system.pciDevices.size());
     for (const PCIDevice& device : system.pciDevices) {
-        names.push_back(device.name.empty() ? hexText(device.vendor, 4) + ":" + hexText(device.deviceId, 4)
-                                            : device.name);
+        names.push_back(system_text::deviceName(device));
     }
     return joined(names, ", ");
 }
@@ -199,13 +215,7 @@ std::string SystemMetadata::getProgramStartTime() const {
 }
 
 double SystemMetadata::getCollectionDurationSec() const {
-    if (startTimeval != 0 && stopTimeval >= startTimeval) {
-        return static_cast<double>(stopTimeval - startTimeval) / c_microsecondsPerSecond;
-    }
-    if (stopTSC >= startTSC && twaClockFreq > 0.0F) {
-        return static_cast<double>(stopTSC - startTSC) / (double{twaClockFreq} * c_microsecondsPerSecond);
-    }
-    return 0.0;
+    return durationOf(*this).value_or(0.0);
 }
 
 std::string SystemMetadata::getVersionHeader(bool isDetailed) const {
@@ -226,7 +236,7 @@ std::string SystemMetadata::getCollectionHeader() const {
            " Clock Frequency (MHz): " + frequencyOrUnknown(twaClockFreq) +
            " \nCPU Base Operating Frequency (MHz): " +
            frequencyOrUnknown(cpu == nullptr ? 0.0F : cpu->baseOpFreq) +
-           "\nCollection duration (sec): " + secondsText(getCollectionDurationSec()) +
+           "\nCollection duration (sec): " + durationOrUnknown(*this) +
            "\nCollection begin timestamp: " + std::to_string(startTSC) +
            "\nCollection end timestamp: " + std::to_string(stopTSC) + "\n";
 }

@@ -40,6 +40,10 @@ std::string joined(const std::vector<std::string>& parts, const char* separator)
     return text;
 }
 
+std::string deviceName(const PCIDevice& device) {
+    return device.name.empty() ? hexText(device.vendor, 4) + ":" + hexText(device.deviceId, 4) : device.name;
+}
+
 } // namespace system_text
 
 namespace {
@@ -62,7 +66,7 @@ public:
         line_i("Package Type: ", m_system.packageType);
         line_i("PCI Devices: ");
         for (const PCIDevice& device : m_system.pciDevices) {
-            line_i("\t", device.name);
+            line_i("\t", system_text::deviceName(device));
         }
         return m_text;
     }

@@ -2,6 +2,7 @@
 
 #include "common/export.h"
 #include "common/plugin/collection_data.h"
+#include "common/saved/byte_source.h"
 #include "common/saved/damage.h"
 #include "common/saved/saved_instances.h"
 #include "common/tw_clock.h"
@@ -40,6 +41,9 @@ public:
 
     /// Null with the reason, path included, in `error`: no such file, not a saved collection, or of a newer format.
     static std::unique_ptr<CollectionReader> open(const std::string& path, std::string& error);
+    /// From elsewhere; the name stands in its place in `error`.
+    static std::unique_ptr<CollectionReader> open(std::unique_ptr<ByteSource> source, const std::string& name,
+                                                  std::string& error);
     CollectionReader(const CollectionReader&) = delete;
     CollectionReader& operator=(const CollectionReader&) = delete;
     ~CollectionReader();

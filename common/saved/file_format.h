@@ -28,7 +28,15 @@ enum class BlockKind : pw_u16_t {
 namespace block_flag {
 inline constexpr pw_u16_t COMPRESSED = 0x01; ///< the payload is u32 plain size and a zstd frame
 inline constexpr pw_u16_t COPY = 0x02;       ///< repeats an earlier block, for the case that it is damaged
+inline constexpr pw_u16_t PREAMBLE = 0x04;   ///< what a reader must know before the first reading
 } // namespace block_flag
+
+/// Bytes with the high bit, line ends of both kinds and a text's end: copies in text mode damage them visibly.
+inline constexpr std::array<unsigned char, 8> c_fileMagic = {0xD7, 'T', 'W', 'S', '\r', '\n', 0x1A, '\n'};
+/// Where a block begins; what a reader looks for behind a damaged header.
+inline constexpr std::array<unsigned char, 8> c_blockMark = {0xF5, 0xB1, 'B', 'L', 'K', 0xC4, 0x8E, 0xFA};
+/// The last bytes of a file that was closed.
+inline constexpr std::array<unsigned char, 8> c_endMark = {0xD7, 'E', 'N', 'D', '\r', '\n', 0x1A, '\n'};
 
 /// Readers refuse files of a higher major number; a higher minor number only adds kinds of blocks.
 inline constexpr pw_u16_t c_formatMajor = 1;
@@ -36,7 +44,8 @@ inline constexpr pw_u16_t c_formatMinor = 0;
 
 inline constexpr std::size_t c_fileHeaderSize = 32;
 inline constexpr std::size_t c_blockHeaderSize = 40;
-/// Writers close a block before it gets larger; a reader takes a larger length for damage.
+inline constexpr std::size_t c_trailerSize = 32;
+/// Writers close a block before its payload gets larger, compressed or not; a reader takes a larger length for damage.
 inline constexpr std::size_t c_maxPayload = std::size_t{16} << 20;
 
 } // namespace pwr::saved

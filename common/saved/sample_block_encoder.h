@@ -21,6 +21,9 @@ class KRCOMMON_API SampleBlockEncoder {
 public:
     /// A block is finished before it holds more values, or readings, than this; decoders refuse larger ones.
     static constexpr std::uint64_t MAX_VALUES = std::uint64_t{4} << 20;
+    /// Values, readings and eight bytes of text for each byte of a payload: decoders do no more work for a byte, so a
+    /// block in which hardly anything happens is filled up. They also refuse readings with more than 64 MB of text.
+    static constexpr std::uint64_t VALUES_PER_BYTE = 1024;
 
     SampleBlockEncoder();
     SampleBlockEncoder(const SampleBlockEncoder&) = delete;

@@ -39,7 +39,9 @@ struct SavedDescriptor {
 /// come in the order in which they were made, so that whoever makes them again gets ids in the same order.
 struct SavedInstances {
     id_config_t message{};
-    bool isAddition = false; ///< these instances follow the message's earlier ones
+    bool isAddition = false;      ///< these instances follow the message's earlier ones
+    pw_u32_t firstEntity = 1;     ///< number of the first new entity, also when there is none
+    pw_u32_t firstDescriptor = 1; ///< so that later ones keep their numbers when some are lost
     std::vector<SavedEntity> newEntities;
     std::vector<SavedDescriptor> newDescriptors;
     std::vector<std::pair<pw_u32_t, pw_u32_t>> instances; ///< (entity, descriptor) numbers

@@ -1,11 +1,11 @@
-#include "common/metadata/collector_metadata.h"
 #include "common/metadata/cpu_metadata.h"
-#include "common/metadata/metric_metadata.h"
 #include "common/metadata/msg_metadata.h"
 #include "common/metadata/system_metadata.h"
 #include "tests/support/log_capture.h"
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace {
 
@@ -22,24 +22,22 @@ TEST(CPUMetadataTest, takesAnotherFMSFromText) {
     };
     struct Case {
         const char* text;
-        int family, model, stepping;
+        std::array<int, 3> fms;
         std::string warning;
     };
     for (const Case& c :
-         {Case{"6.85", 6, 85, 0, ""}, Case{"6.0x55.4", 6, 85, 4, ""}, Case{".6..85.", 6, 85, 0, ""},
-          Case{"010.0x1ff.256", 10, 255, 0, ""}, Case{"6.0X55", 6, 0, 0, ""}, Case{"6.-1", 6, 255, 0, ""},
-          Case{"1.99999999999999999999999999", 1, 0xff, 0, ""}, Case{"6", 1, 2, 3, refusedFormat("6")},
-          Case{"", 1, 2, 3, refusedFormat("")}, Case{"6.85.4.1", 1, 2, 3, refusedFormat("6.85.4.1")},
-          Case{"6.x5", 1, 2, 3, refusedToken("x5")}, Case{"a.b", 1, 2, 3, refusedToken("a")},
-          Case{"6.85.-0x4", 1, 2, 3, refusedToken("-0x4")}}) {
+         {Case{"6.85", {6, 85, 0}, ""}, Case{"6.0x55.4", {6, 85, 4}, ""}, Case{".6..85.", {6, 85, 0}, ""},
+          Case{"010.0x1ff.256", {10, 255, 0}, ""}, Case{"6.0X55", {6, 0, 0}, ""},
+          Case{"6.-1", {6, 255, 0}, ""}, Case{"1.99999999999999999999999999", {1, 0xff, 0}, ""},
+          Case{"6", {1, 2, 3}, refusedFormat("6")}, Case{"", {1, 2, 3}, refusedFormat("")},
+          Case{"6.85.4.1", {1, 2, 3}, refusedFormat("6.85.4.1")}, Case{"6.x5", {1, 2, 3}, refusedToken("x5")},
+          Case{"a.b", {1, 2, 3}, refusedToken("a")}, Case{"6.85.-0x4", {1, 2, 3}, refusedToken("-0x4")}}) {
         LogCapture log;
         CPUMetadata cpu;
         cpu.setFMS(1, 2, 3);
         EXPECT_EQ(c.warning.empty(), cpu.setSpoofedFMS(c.text)) << c.text;
         EXPECT_EQ(c.warning, log.take());
-        EXPECT_EQ(c.family, cpu.getFamily()) << c.text;
-        EXPECT_EQ(c.model, cpu.getModel()) << c.text;
-        EXPECT_EQ(c.stepping, cpu.getStepping()) << c.text;
+        EXPECT_EQ(c.fms, (std::array<int, 3>{cpu.getFamily(), cpu.getModel(), cpu.getStepping()})) << c.text;
     }
 }
 
@@ -109,28 +107,6 @@ TEST(MsgMetadataTest, keepsItsOperationsWhenMoved) {
     EXPECT_EQ("CONSTANT", constants->getOperation());
     EXPECT_EQ(0U, constants->getSize());
     EXPECT_EQ("SOURCE", constants->begin()->first) << "order of declaration, not of keys";
-}
-
-TEST(MetadataTest, recordsTellTheirTypeAndPlugin) {
-    using Type = Metadata::__metadata_data_type;
-    struct Case {
-        const Metadata& record;
-        Type type;
-        int number;
-        pw_u32_t plugin;
-    };
-    const SystemMetadata system;
-    const MsgMetadata message(4, 2, 3, "", "");
-    const MetricMetadata metric(5, 2, {});
-    const CollectorMetadata collector("name", {});
-    const OperationMetadata operation;
-    for (const Case& c :
-         {Case{system, Type::SYSTEM, 1, 0}, Case{message, Type::MSG, 2, 4}, Case{metric, Type::METRIC, 3, 5},
-          Case{collector, Type::COLLECTOR, 4, 0}, Case{operation, Type::OPERATION, 5, 0}}) {
-        EXPECT_EQ(c.type, c.record.getType());
-        EXPECT_EQ(c.number, static_cast<int>(c.type)) << "the numbers stand in saved files";
-        EXPECT_EQ(c.plugin, c.record.getPluginID());
-    }
 }
 
 } // namespace

@@ -11,14 +11,14 @@
 
 namespace pwr {
 
-/// The bytes of an example of the page that describes the saved records: hexadecimal pairs; what stands
+/// The bytes of an example of a page that describes saved records: hexadecimal pairs; what stands
 /// behind ";" in a line is a remark.
-inline std::vector<char> recordExample(const std::string& name) {
-    std::ifstream page(pw_getenv("KR_TEST_DATA") + "/../docs/formats/records.md");
+inline std::vector<char> recordExample(const std::string& name, const std::string& page = "records.md") {
+    std::ifstream text(pw_getenv("KR_TEST_DATA") + "/../docs/formats/" + page);
     std::vector<char> bytes;
     std::string line;
-    while (std::getline(page, line) && line != "```hex " + name) {}
-    while (std::getline(page, line) && line != "```") {
+    while (std::getline(text, line) && line != "```hex " + name) {}
+    while (std::getline(text, line) && line != "```") {
         std::istringstream pairs(line.substr(0, line.find(';')));
         for (std::string pair; pairs >> pair;) {
             bytes.push_back(static_cast<char>(std::stoul(pair, nullptr, 16)));

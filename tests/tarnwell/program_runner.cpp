@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <utility>
 
 namespace kr_test {
 namespace {
@@ -56,11 +57,28 @@ ScratchFolder::ScratchFolder() {
              (std::string("tarnwell_") + test->test_suite_name() + "_" + test->name());
     fs::remove_all(m_path);
     fs::create_directories(m_path);
+    fs::current_path(m_path);
 }
 
 ScratchFolder::~ScratchFolder() {
     std::error_code ignored;
+    fs::current_path(m_path.parent_path(), ignored);
     fs::remove_all(m_path, ignored);
+}
+
+void ScratchFolder::fetch(const fs::path& file) const {
+    fs::copy_file(dataFolder() / file, m_path / file.filename());
+}
+
+std::string ScratchFolder::savedFile() const {
+    std::string found;
+    for (const auto& entry : fs::directory_iterator(m_path)) {
+        if (entry.path().extension() == ".twc") {
+            const bool isSecond = !std::exchange(found, entry.path().filename().string()).empty();
+            EXPECT_FALSE(isSecond) << "more than one saved collection";
+        }
+    }
+    return found;
 }
 
 fs::path installedProgram() {

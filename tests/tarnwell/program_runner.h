@@ -18,8 +18,9 @@ struct ProgramResult {
 std::string readFile(const std::filesystem::path& path);
 void writeFile(const std::filesystem::path& path, const std::string& text);
 
-/// Where test data lies, and a fresh folder of its own for each test.
+/// Where test data lies.
 std::filesystem::path dataFolder();
+/// A fresh folder of its own for a test, and the current one while it is there: programs leave their files in it.
 class ScratchFolder {
 public:
     ScratchFolder();
@@ -27,6 +28,10 @@ public:
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder();
     const std::filesystem::path& path() const { return m_path; }
+    /// Copies a file of the test data here.
+    void fetch(const std::filesystem::path& file) const;
+    /// The one saved collection that was left here; "" when there is none or more than one.
+    std::string savedFile() const;
 
 private:
     std::filesystem::path m_path;
@@ -36,7 +41,7 @@ private:
 std::filesystem::path installedProgram();
 std::filesystem::path installedLibraryFolder();
 
-/// Runs the installed program through the system's shell, in the folder @p scratch. @p prelude are shell
+/// Runs the installed program through the system's shell, in the scratch folder. @p prelude are shell
 /// words in front of it, such as a limit on the size of files.
 ProgramResult runProgram(const ScratchFolder& scratch, const std::vector<std::string>& arguments,
                          const std::string& prelude = {});

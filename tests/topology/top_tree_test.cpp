@@ -1,5 +1,5 @@
-#include "common/topology/top_tree.h"
 #include "tests/support/log_capture.h"
+#include "tests/topology/tree_text.h"
 
 #include <gtest/gtest.h>
 
@@ -9,25 +9,6 @@
 namespace {
 
 using namespace pwr;
-
-/// All nodes that hang below the packages, in depth-first order: qualified name and unique id.
-void describe(const TNode& node, std::string& text) {
-    text += node.getFullyQualifiedName() + "=" + std::to_string(node.getUniqueID()) + " ";
-    for (const TNode* child : node) {
-        EXPECT_EQ(&node, child->getParent());
-        describe(*child, text);
-    }
-}
-
-std::string describe(const TopTree& tree) {
-    std::vector<const TNode*> packages;
-    tree.getAllPackages(packages);
-    std::string text;
-    for (const TNode* package : packages) {
-        describe(*package, text);
-    }
-    return text;
-}
 
 std::string idsOf(const TopTree& tree, top_node_type type) {
     std::vector<const TNode*> nodes;
@@ -49,29 +30,20 @@ TEST(TopTreeTest, buildsTheTreeThatTheTextDescribes) {
     for (const Case& c : {
              Case{"nothing", "", 0, ""},
              Case{"incomplete record", " 0 0 0 0 -1", 0, ""},
-             Case{"core below package", "0 0 3 0 -1 -1", 0,
-                  "Package_0=0 Package_0/Core_3=1 Package_0/Core_3/Thread_0=2 "},
-             Case{
-                 "die and rest of a record", "1 0 2 0 4 -1\n7 7", 0,
-                 "Package_0=0 Package_0/Die_4=1 Package_0/Die_4/Core_2=2 Package_0/Die_4/Core_2/Thread_1=3 "},
+             Case{"core below package", "0 0 3 0 -1 -1", 0, "Package_0=0(Core_3=1(Thread_0=2))"},
+             Case{"die and rest of a record", "1 0 2 0 4 -1\n7 7", 0,
+                  "Package_0=0(Die_4=1(Core_2=2(Thread_1=3)))"},
              Case{"any order, any separator", "\t3 0 1 0 -1 0\r\n2 0 1 0 -1 0 1 0 0 0 -1 0\n0 0 0 0 -1 0", 0,
-                  "Package_0=0 Package_0/Module_0=1 Package_0/Module_0/Core_0=2 "
-                  "Package_0/Module_0/Core_0/Thread_0=3 "
-                  "Package_0/Module_0/Core_0/Thread_1=4 Package_0/Module_0/Core_1=5 "
-                  "Package_0/Module_0/Core_1/Thread_2=6 Package_0/Module_0/Core_1/Thread_3=7 "},
-             Case{"modules by cores", "0 0 5 0 -1 9", 4,
-                  "Package_0=0 Package_0/Module_1=1 Package_0/Module_1/Core_5=2 "
-                  "Package_0/Module_1/Core_5/Thread_0=3 "},
+                  "Package_0=0(Module_0=1(Core_0=2(Thread_0=3 Thread_1=4) Core_1=5(Thread_2=6 Thread_3=7)))"},
+             Case{"modules by cores", "0 0 5 0 -1 9", 4, "Package_0=0(Module_1=1(Core_5=2(Thread_0=3)))"},
              Case{"the same record twice", "0 1 0 0 -1 -1 0 1 0 0 -1 -1", 0,
-                  "Package_1=0 Package_1/Core_0=1 Package_1/Core_0/Thread_0=2 "},
+                  "Package_1=0(Core_0=1(Thread_0=2))"},
              Case{"equal ids: the later in front", "0 0 0 0 -1 1 1 0 1 0 1 -1", 0,
-                  "Package_0=0 Package_0/Die_1=1 Package_0/Die_1/Core_1=2 Package_0/Die_1/Core_1/Thread_1=3 "
-                  "Package_0/Module_1=4 Package_0/Module_1/Core_0=5 Package_0/Module_1/Core_0/Thread_0=6 "},
+                  "Package_0=0(Die_1=1(Core_1=2(Thread_1=3)) Module_1=4(Core_0=5(Thread_0=6)))"},
              Case{"bases, signs and what is no number", "010 0x1 \v+2 x 4294967295 -4294967295x", 0,
-                  "Package_1=0 Package_1/Module_1=1 Package_1/Module_1/Core_2=2 "
-                  "Package_1/Module_1/Core_2/Thread_8=3 "},
+                  "Package_1=0(Module_1=1(Core_2=2(Thread_8=3)))"},
              Case{"absent written large", "08 0 0x 0 99999999999999999999 0xffffffff", 0,
-                  "Package_0=0 Package_0/Core_0=1 Package_0/Core_0/Thread_0=2 "},
+                  "Package_0=0(Core_0=1(Thread_0=2))"},
          }) {
         TopTree tree;
         tree.buildTopology(c.text, c.coresPerModule);
@@ -106,10 +78,9 @@ TEST(TopTreeTest, leavesOutNegativeProcessorsWithOneWarning) {
     const LogCapture log;
     TopTree tree;
     tree.buildTopology("0 0 0 0 -1 -1 -1 0 0 0 -1 -1 1 -2 0 0 -1 -1 2 0 4294967295 0 -1 -1", 0);
-    EXPECT_EQ("Package_0=0 Package_0/Core_0=1 Package_0/Core_0/Thread_0=2 ", describe(tree));
-    EXPECT_EQ("WARNING: left out 3 processor(s) of the topology text with a negative thread, package or core "
-              "id, the "
-              "first is number 2\n",
+    EXPECT_EQ("Package_0=0(Core_0=1(Thread_0=2))", describe(tree));
+    EXPECT_EQ("WARNING: left out 3 processor(s) of the topology text with a negative thread, package or "
+              "core id, the first is number 2\n",
               log.text());
 }
 
@@ -190,14 +161,13 @@ TEST(TopTreeTest, addsSingleNodesWithoutNumbering) {
     EXPECT_TRUE(tree.addNode(0, 0, -1, 1));
     EXPECT_TRUE(tree.addNode(0, 0, 2, 0));
     EXPECT_TRUE(tree.addNode(0, 0, 2, 0));
-    EXPECT_EQ("Package_0=-1 Package_0/Module_2=-1 Package_0/Module_2/Core_0=-1 "
-              "Package_0/Module_2/Core_0/Thread_0=-1 "
-              "Package_1=-1 Package_1/Core_0=-1 Package_1/Core_0/Thread_0=-1 Package_1/Core_0/Thread_1=-1 ",
-              describe(tree));
+    EXPECT_EQ(
+        "Package_0=-1(Module_2=-1(Core_0=-1(Thread_0=-1))) Package_1=-1(Core_0=-1(Thread_0=-1 Thread_1=-1))",
+        describe(tree));
     // Keys hold the parent's id only: thread 0 of core 0 is one entry, in the first package that had it.
     EXPECT_EQ("Package_1/Core_0/Thread_0 Package_1/Core_0/Thread_1 ", idsOf(tree, top_node_type::THREAD));
     tree.buildTopology("", 0);
-    EXPECT_EQ(0, describe(tree).find("Package_0=0 Package_0/Module_2=1 ")) << "a build numbers what is there";
+    EXPECT_EQ(0, describe(tree).find("Package_0=0(Module_2=1(")) << "a build numbers what is there";
 }
 
 TEST(TopTreeTest, namesNodesByTypeAndId) {

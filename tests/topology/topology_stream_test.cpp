@@ -1,7 +1,7 @@
 #include "common/metadata/serializer.h"
-#include "common/topology/top_tree.h"
 #include "common/topology/topology_change.h"
 #include "tests/support/record_page.h"
+#include "tests/topology/tree_text.h"
 
 #include <gtest/gtest.h>
 
@@ -31,27 +31,6 @@ Bytes written(const TopTree& tree) {
 int readInto(TopTree& tree, const Bytes& bytes) {
     Serializer in(bytes);
     return tree.deserializeTree(in);
-}
-
-/// Every node with its unique id, children in brackets.
-std::string describe(const TNode& node) {
-    std::string text = node.getName() + "=" + std::to_string(node.getUniqueID());
-    std::string below;
-    for (const TNode* child : node) {
-        EXPECT_EQ(&node, child->getParent());
-        below += (below.empty() ? "" : " ") + describe(*child);
-    }
-    return below.empty() ? text : text + "(" + below + ")";
-}
-
-std::string describe(const TopTree& tree) {
-    std::vector<const TNode*> packages;
-    tree.getAllPackages(packages);
-    std::string text;
-    for (const TNode* package : packages) {
-        text += (text.empty() ? "" : " ") + describe(*package);
-    }
-    return text;
 }
 
 Words chainOf(int nodes) {

@@ -57,8 +57,9 @@ bool readFunction(const Device& device, PciFunction& out) {
     unsigned long vendor = 0;
     unsigned long deviceId = 0;
     const std::wstring identification = device.text(SPDRP_HARDWAREID);
-    if (!numberBehind(identification, L"VEN_", vendor) || !numberBehind(identification, L"DEV_", deviceId)) {
-        return false;
+    if (!numberBehind(identification, L"VEN_", vendor) || !numberBehind(identification, L"DEV_", deviceId) ||
+        vendor == 0) {
+        return false; // no vendor has the number 0: emulations stand in with it
     }
     out.vendor = static_cast<unsigned>(vendor);
     out.deviceId = static_cast<unsigned>(deviceId);

@@ -2,9 +2,17 @@
 
 #include <algorithm>
 
+#include "common/metrics/prefetch.h"
 #include "plugins/metrics/generic/reading_value.h"
 
 namespace pwr {
+
+namespace {
+
+// So many rows take as long as memory takes to answer.
+constexpr std::size_t PREFETCH_ROWS = 4;
+
+} // namespace
 
 MessageComputer::MessageComputer(const DeclaredMessage& message, MetricContainer& container,
                                  const SystemMetadata& system)
@@ -20,10 +28,10 @@ void MessageComputer::update() {
         if (known == m_entities.end()) {
             m_entities.push_back(entity);
         }
-        Row row{DataElement(entity, descriptor), CounterDifference(m_metric.width),
-                TicksOfCounter(m_metric.scale, m_system.twaClockFreq)};
-        row.entity = number;
-        m_rows.push_back(std::move(row));
+        m_rows.push_back({.element = DataElement(entity, descriptor),
+                          .entity = number,
+                          .counter = CounterDifference(m_metric.width),
+                          .ticks = TicksOfCounter(m_metric.scale, m_system.twaClockFreq)});
     }
     m_isLeftOut.resize(m_entities.size());
 }
@@ -38,6 +46,10 @@ void MessageComputer::process(const CollectionData& reading) {
     std::fill(m_isLeftOut.begin(), m_isLeftOut.end(), false);
     for (std::size_t i = 0; i < reading.size(); ++i) {
         const std::size_t index = header.first_instance + i;
+        if (index + PREFETCH_ROWS < m_rows.size()) {
+            prefetchForWrite(&m_rows[index + PREFETCH_ROWS]);
+            prefetchForWrite(&m_rows[index + PREFETCH_ROWS].lastTick);
+        }
         if (index < m_rows.size()) {
             processRow_i(index, reading, i);
         }

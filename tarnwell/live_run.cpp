@@ -1,0 +1,203 @@
+#include "tarnwell/live_run.h"
+
+#include "common/machine_files.h"
+#include "common/metadata/system_metadata.h"
+#include "common/model/data_handle_provider.h"
+#include "common/platform/child_process.h"
+#include "common/platform/interrupt.h"
+#include "common/platform/processor.h"
+#include "tarnwell/build_facts.h"
+#include "tarnwell/clock_moments.h"
+#include "tarnwell/collection.h"
+#include "tarnwell/collection_clock.h"
+#include "tarnwell/collector_record.h"
+#include "tarnwell/complaints.h"
+#include "tarnwell/computation.h"
+#include "tarnwell/feature_list.h"
+#include "tarnwell/host_environment.h"
+#include "tarnwell/machine_description.h"
+#include "tarnwell/message_set.h"
+#include "tarnwell/output_configuration.h"
+#include "tarnwell/plugin_set.h"
+#include "tarnwell/progress_line.h"
+#include "tarnwell/report.h"
+#include "tarnwell/saving.h"
+#include "tarnwell/settings.h"
+#include "tarnwell/terminal.h"
+
+namespace tarnwell {
+namespace {
+
+using pwr::platform::ChildProcess;
+
+/// The run as one object, because everything in it lives until the report is written and is torn down
+/// in the reverse order of its making.
+class LiveRun {
+public:
+    LiveRun(const Settings& settings, const pwr::MachineFiles& machine)
+        : m_settings(settings), m_machine(machine), m_clock(machine),
+          m_moments(m_clock.source(), pwr::platform::processorReport().counterMHz),
+          m_environment(settings.outputPrefix) {
+        HostEnvironment::useClock(m_clock.source());
+    }
+    LiveRun(const LiveRun&) = delete;
+    LiveRun& operator=(const LiveRun&) = delete;
+    ~LiveRun() = default;
+
+    int operator()() {
+        m_plugins.load(m_environment.folder() + "plugins", collectingOptions(m_settings));
+        complain(m_plugins.problems());
+        if (const std::string missing = m_plugins.missingKind(true); !missing.empty()) {
+            return fail(ExitCode::FAILED, missing);
+        }
+        if (const int code = choose_i(FeatureList(m_plugins.collectors())); code != 0) {
+            return code;
+        }
+        if (m_configuration.readFiles(m_settings.outputConfig, m_environment.folder()) != 0) {
+            return fail(ExitCode::FAILED, "the output configuration is not usable (see above)");
+        }
+        // Found out before hours of collecting, not after them.
+        if (const std::string reason = outputPrefixProblem(m_settings.outputPrefix); !reason.empty()) {
+            return fail(ExitCode::FAILED, reason);
+        }
+        std::string reason;
+        if (const int code = m_saving.open(m_settings, reason); code != 0) {
+            complain({reason});
+            return code;
+        }
+        return collect_i();
+    }
+
+private:
+    /// What to collect: what was asked for, else all that the machine offers.
+    int choose_i(const FeatureList& features) {
+        for (const std::string& name : m_settings.features) {
+            const Feature* feature = features.find(name);
+            if (feature == nullptr) {
+                return fail(ExitCode::USAGE,
+                            "unknown feature \"" + name + "\"; there are: " + features.names(true) +
+                                (features.names(false).empty() ? "" : ", " + features.names(false)));
+            }
+            if (feature->isAvailable) {
+                m_chosen.insert(name);
+            } else {
+                m_missing.push_back(unavailableText(*feature));
+            }
+        }
+        for (const Feature& feature : features.all()) {
+            if (m_settings.features.empty() && feature.isAvailable) {
+                m_chosen.insert(feature.name);
+            } else if (m_settings.features.empty()) {
+                m_absent.push_back(feature.name + " (" + feature.reason + ")");
+            }
+        }
+        complain(m_missing);
+        return 0;
+    }
+
+    int collect_i() {
+        m_environment.openStream(m_plugins.writers());
+        describeMachine(m_machine, !m_clock.isRecorded() && m_settings.machine == "/", m_system);
+        describeBuild(m_system);
+        describeRun(m_settings, m_clock, m_system);
+        pwr::DataHandleProvider::initTopology(m_system);
+        const int opened = m_messages.open(m_plugins.collectors(), m_chosen);
+        complain(m_messages.problems());
+        if (opened != 0) {
+            return toInt(ExitCode::FAILED);
+        }
+        Collection collection(m_settings,
+                              {m_clock, m_moments, m_messages, m_saving, m_computation, m_system});
+        pwr::platform::installInterruptHandler();
+        announce_i();
+        std::unique_ptr<ChildProcess> child;
+        if (!m_settings.command.empty()) {
+            std::string reason;
+            child = ChildProcess::start(m_settings.command, reason);
+            if (child == nullptr) {
+                return fail(ExitCode::COMMAND_NOT_FOUND,
+                            "cannot start " + m_settings.command.front() + ": " + reason);
+            }
+        }
+        ProgressLine progress(!m_settings.quiet && isErrorTerminal());
+        // As late as possible, so that the collection's time does not count its own preparations.
+        collection.begin();
+        const CollectionOutcome outcome = collection.run(child.get(), progress);
+        m_messages.close();
+        return end_i(outcome, child.get());
+    }
+
+    /// The file gets the same declarations in the same order as the metric plug-ins.
+    void announce_i() {
+        m_records = collectorRecords(m_plugins, m_messages, m_clock.source().getUUID());
+        std::vector<const pwr::Metadata*> declarations;
+        for (const auto& record : m_records) {
+            declarations.push_back(record.get());
+        }
+        const auto own = m_messages.declarations();
+        declarations.insert(declarations.end(), own.begin(), own.end());
+        const auto messages = m_messages.announced();
+        m_saving.describe(m_configuration.texts(), declarations, messages, m_system);
+        m_computation.announce(declarations, messages, m_system);
+    }
+
+    int end_i(const CollectionOutcome& outcome, ChildProcess* child) {
+        if (child != nullptr && outcome.wasInterrupted && !pwr::platform::isInterruptFromTerminal()) {
+            child->interrupt();
+        }
+        const auto notes = reportNotes(outcome, m_messages, m_absent, m_missing);
+        m_saving.end(m_system, m_moments.take(), notes);
+        // The report does not wait for a command that runs on, be it longer than asked for or deaf to Ctrl-C.
+        const int written = m_computation.report(m_system, notes);
+        if (const std::string saved = m_saving.summary(); !saved.empty() && !m_settings.quiet) {
+            std::fprintf(stderr, "%s\n", saved.c_str());
+        }
+        if (const int commandCode = child == nullptr ? 0 : child->wait(); commandCode != 0) {
+            return commandCode;
+        }
+        return exitCode_i(written == 0 && !m_environment.hasOutputFailed());
+    }
+
+    int exitCode_i(bool isWritten) const {
+        if (!isWritten) {
+            return fail(ExitCode::FAILED, "the results could not be written completely");
+        }
+        if (m_saving.hasFailed()) {
+            return fail(ExitCode::FAILED, "the collection was not saved completely (see above)");
+        }
+        const bool isWhole = m_missing.empty() && m_plugins.problems().empty() &&
+                             m_messages.problems().empty() && m_messages.failedReads() == 0 &&
+                             m_messages.missingValues() == 0;
+        return toInt(isWhole ? ExitCode::DONE : ExitCode::PARTIAL);
+    }
+
+    const Settings& m_settings;
+    const pwr::MachineFiles& m_machine;
+    CollectionClock m_clock;
+    ClockMoments m_moments; ///< early, since it measures clocks from its making on
+    HostEnvironment m_environment;
+    OutputConfiguration m_configuration;
+    // What the plug-ins refer to outlives them.
+    pwr::SystemMetadata m_system;
+    std::vector<std::unique_ptr<pwr::CollectorMetadata>> m_records;
+    MessageSet m_messages;
+    PluginSet m_plugins;
+    Saving m_saving;
+    Computation m_computation{m_environment, m_plugins.metrics()};
+    std::set<std::string> m_chosen;
+    std::vector<std::string> m_missing; ///< asked for, but not to be had
+    std::vector<std::string> m_absent;  ///< not asked for by name, and not on this machine
+};
+
+} // namespace
+
+int collectLive(const Settings& settings) {
+    std::string reason;
+    const std::unique_ptr<pwr::MachineFiles> machine = openChosenMachine(settings, reason);
+    if (machine == nullptr) {
+        return fail(ExitCode::FAILED, reason);
+    }
+    return LiveRun(settings, *machine)();
+}
+
+} // namespace tarnwell
