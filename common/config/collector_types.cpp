@@ -33,6 +33,12 @@ int CollectorTypes::add(const std::string& type, CollectorPlugin* collector,
     return 0;
 }
 
+void CollectorTypes::forget(const CollectorPlugin* collector) {
+    for (auto& [type, entry] : m_types) {
+        entry.collector = entry.collector == collector ? nullptr : entry.collector;
+    }
+}
+
 bool CollectorTypes::isKnown(const std::string& type) const {
     return m_types.count(type) != 0 || OperationKinds::contains(type);
 }

@@ -17,6 +17,9 @@ public:
     /// when the word cannot stand in a statement, or when another collector serves the type.
     int add(const std::string& type, CollectorPlugin* collector, const std::set<std::string>& categories);
 
+    /// The collector serves nothing any more; the words stay.
+    void forget(const CollectorPlugin* collector);
+
     /// Also true for types that come with an operation kind.
     [[nodiscard]] bool isKnown(const std::string& type) const;
     [[nodiscard]] bool isCategoryKnown(const std::string& type, const std::string& category) const;

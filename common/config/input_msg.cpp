@@ -183,7 +183,9 @@ std::unique_ptr<MsgMetadata> InputMsg::createMsgMetadata() const {
                     constants.add(key, value);
                 }
             } else if (constant == nullptr && areOwn) {
-                record->addMetaValue(operation->createMetadata());
+                for (auto& metadata : operation->createAllMetadata()) {
+                    record->addMetaValue(std::move(metadata));
+                }
             }
         }
     }

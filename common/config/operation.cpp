@@ -27,6 +27,12 @@ std::unique_ptr<OperationMetadata> Operation::createMetadata() const {
                                                OperationMetadata::ValueList());
 }
 
+std::vector<std::unique_ptr<OperationMetadata>> Operation::createAllMetadata() const {
+    std::vector<std::unique_ptr<OperationMetadata>> all;
+    all.push_back(createMetadata());
+    return all;
+}
+
 int Operation::addCategory(const std::string& category) {
     if (!canSetCategory() || !isValidCategory(category)) {
         return -1;

@@ -44,6 +44,8 @@ public:
     virtual int addKey(std::string_view key, std::string_view value);
     /// As it is saved with a collection.
     virtual std::unique_ptr<OperationMetadata> createMetadata() const;
+    /// What a message's record holds of it: one operation, or one for each part that its keys name.
+    virtual std::vector<std::unique_ptr<OperationMetadata>> createAllMetadata() const;
 
     /// Notes a hardware category; -1 when the operation has none or the collector does not know it.
     int addCategory(const std::string& category);
@@ -109,6 +111,9 @@ private:
 };
 
 /// Work of one collector: a type word and the keys that tell where and what to read or write.
+/// A key "KEY.part" belongs to that part of the work alone. Where there are parts, each is an operation of the
+/// message's record, named after it, in the order in which they are first named, and the keys without a part hold for
+/// all that have none of their own.
 class KRCOMMON_API HWOperation : public Operation {
 public:
     HWOperation(const std::string& name, const std::string& collectorType);
@@ -118,6 +123,7 @@ public:
     int addKey(std::string_view key, std::string_view value) override;
     /// The width of the counter is that of the key WIDTH, in bits; without one it is 64.
     std::unique_ptr<OperationMetadata> createMetadata() const override;
+    std::vector<std::unique_ptr<OperationMetadata>> createAllMetadata() const override;
     bool canSetCategory() const override;
     /// The categories that were registered with the collector type.
     bool isValidCategory(const std::string& category) const override;

@@ -112,6 +112,10 @@ int TWConfigFileParser::registerCollectorType(const std::string& type, Collector
     return m_contents->collectors.add(type, collector, categories);
 }
 
+void TWConfigFileParser::forgetCollector(const CollectorPlugin* collector) {
+    m_contents->collectors.forget(collector);
+}
+
 CollectorPlugin* TWConfigFileParser::getCollector(const std::string& type) const {
     return m_contents->collectors.getCollector(type);
 }

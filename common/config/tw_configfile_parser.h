@@ -47,6 +47,8 @@ public:
     /// another collector serves it.
     int registerCollectorType(const std::string& type, CollectorPlugin* collector,
                               const std::set<std::string>& categories = {});
+    /// To be called before a registered collector ends: its types stay, and nobody serves them.
+    void forgetCollector(const CollectorPlugin* collector);
     /// Null when nobody serves the type.
     CollectorPlugin* getCollector(const std::string& type) const;
     bool isCategoryKnown(const std::string& type, const std::string& category) const;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/config/input_msg.h"
+#include "common/config/tw_configfile_parser.h"
 #include "common/metadata/cpu_metadata.h"
 #include "common/metadata/msg_metadata.h"
 #include "common/metadata/system_metadata.h"
@@ -13,9 +15,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -32,6 +37,7 @@ protected:
     ~CollectorFixture() override {
         std::error_code ignored;
         std::filesystem::remove(m_file, ignored);
+        pwr::TWConfigFileParser::destroy();
     }
 
     /// Six numbers for each logical processor, as TopTree::buildTopology takes them.
@@ -63,27 +69,27 @@ protected:
     }
     CollectorPlugin& plugin() { return *m_plugin; }
 
-    /// "cpu: yes" or "cpu: reason (fix)" for each capability.
-    std::string capabilities() {
-        std::string text;
-        for (const PluginCapability* capability : m_plugin->getCapabilities()) {
-            const std::string why = capability->getReason() + " (" + capability->getFix() + ")";
-            text += capability->getName() + ": " + (capability->isAvailable() ? "yes" : why) + "\n";
+    /// A message of the shipped hardware description, by its name; null when there is none for this collector.
+    const pwr::MsgMetadata* shipped(const std::string& name) {
+        if (m_shipped.empty()) {
+            readShipped_i();
         }
-        return text;
+        const auto found = std::find_if(m_shipped.begin(), m_shipped.end(),
+                                        [&](const auto& record) { return record->getMsgName() == name; });
+        return found == m_shipped.end() ? nullptr : found->get();
     }
-    /// Opens the built-in message of a name; null when it is not declared or does not open.
-    const pwr::MsgMetadata* openDeclared(const std::string& name) {
-        if (m_declarations.empty()) {
-            m_plugin->declare(m_declarations);
-        }
-        for (const auto& declaration : m_declarations) {
-            const auto* message = dynamic_cast<const pwr::MsgMetadata*>(declaration.get());
-            if (message != nullptr && message->getMsgName() == name) {
-                return m_plugin->open(*message, m_instances) == 0 ? message : nullptr;
-            }
-        }
-        return nullptr;
+    /// Opens it; null when it does not open.
+    const pwr::MsgMetadata* openShipped(const std::string& name) {
+        const pwr::MsgMetadata* message = shipped(name);
+        return message != nullptr && m_plugin->open(*message, m_instances) == 0 ? message : nullptr;
+    }
+    /// What the collector says of it: "available", "not here", or "absent: reason (fix)" and the like.
+    std::string availability(const pwr::MsgMetadata& message) {
+        const MessageAvailability seen = m_plugin->probe(message);
+        constexpr std::array WORDS = {"available", "absent", "not here", "invalid"};
+        return WORDS.at(static_cast<std::size_t>(seen.state)) +
+               (seen.reason.empty() ? "" : ": " + seen.reason) +
+               (seen.fix.empty() ? "" : " (" + seen.fix + ")");
     }
     /// A message of one operation and its constants, not opened yet.
     static std::unique_ptr<pwr::MsgMetadata> makeMessage(const Keys& operation, const Keys& constants,
@@ -118,10 +124,39 @@ protected:
     CollectionData m_data;
 
 private:
+    void readShipped_i() {
+        // All types are words of the description, whichever collector is tested.
+        const std::string folder = pwr::pw_getenv("KR_TEST_BIN");
+        pwr::TWConfigFileParser& parser = *pwr::TWConfigFileParser::instance();
+        for (const std::string& path : pwr::doGlob(folder + "/plugins/*.manifest")) {
+            std::ifstream file(path);
+            const std::string text{std::istreambuf_iterator<char>(file), {}};
+            pwr::PluginManifest manifest;
+            std::string error;
+            ASSERT_EQ(0, manifest.parse("any", text, error)) << error;
+            for (const auto& [type, categories] : manifest.types) {
+                parser.registerCollectorType(type, nullptr, categories);
+            }
+        }
+        ASSERT_EQ(0, parser.parse(pwr::doGlob(folder + "/config/hardware/*.cfg"))) << m_log.text();
+        std::vector<pwr::ConfigCap> capabilities;
+        parser.getCapabilitiesFor(capabilities, "ALL=ALL");
+        for (const pwr::ConfigCap& capability : capabilities) {
+            std::vector<pwr::InputMsg*> messages;
+            parser.getMessagesFor(messages, "ALL=ALL", capability.getConfigfilePrefix());
+            for (const pwr::InputMsg* message : messages) {
+                if (parser.getCollector((*message->begin())->getCollectorType()) == m_plugin) {
+                    m_shipped.push_back(message->createMsgMetadata());
+                    m_shipped.back()->setIDs(1, 1, static_cast<unsigned>(m_shipped.size()));
+                }
+            }
+        }
+    }
+
     pwr::PluginLoader m_loader;
     CollectorPlugin* m_plugin = nullptr;
     std::filesystem::path m_file;
-    std::vector<std::unique_ptr<pwr::Metadata>> m_declarations;
+    std::vector<std::unique_ptr<pwr::MsgMetadata>> m_shipped;
 };
 
 } // namespace tests

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
+#include <utility>
 
 #include "common/metadata/msg_metadata.h"
 #include "common/platform/system_info.h"
@@ -10,21 +12,15 @@
 #include "common/plugin/plugin_loader.h"
 #include "common/tw_clock.h"
 #include "common/values/data.h"
-#include "plugins/collectors/text_files/features.h"
 
 namespace text_files {
 
 namespace {
 
-using pwr::FeatureRow;
-using pwr::MessageRow;
 using pwr::MsgMetadata;
+using State = MessageAvailability::State;
 
 constexpr const char* DENIED_FIX = "run as root, or let this user read that file";
-
-const MsgMetadata& messageOf(const std::vector<std::unique_ptr<pwr::Metadata>>& declaration) {
-    return dynamic_cast<const MsgMetadata&>(*declaration.front());
-}
 
 /// One pattern of a list such as "loop*,ram*": a name, or the start of one.
 bool isListed(std::string_view name, std::string_view patterns) {
@@ -70,52 +66,27 @@ int TextFiles::initialize() {
         pwr::logError("ERROR: %s\n", reason.c_str());
         return 1;
     }
+    return 0;
+}
+
+MessageAvailability TextFiles::probe(const MsgMetadata& message) {
     // Another collector reads such a system's counters. What lies at "/proc" there, as it does below an emulation
     // of the system, is not this system's and must not be counted twice.
-    if (m_where == "/" && !pwr::platform::keepsCountersInFiles()) {
-        return 0;
+    if (!m_machine || (m_where == "/" && !pwr::platform::keepsCountersInFiles())) {
+        return {State::NOT_HERE, {}, {}};
     }
-    for (const FeatureRow& feature : features()) {
-        probeFeature_i(feature);
+    Expansion expansion = expandMessage(*m_machine, message);
+    if (!expansion.error.empty()) {
+        return {State::INVALID, expansion.error, {}};
     }
-    return 0;
-}
-
-void TextFiles::probeFeature_i(const FeatureRow& feature) {
-    auto capability = std::make_unique<PluginCapability>(feature.name, feature.description);
-    std::string denied;
-    bool isAvailable = false;
-    for (const MessageRow& message : feature.messages) {
-        Declaration declaration;
-        appendDeclaration(feature, message, COLLECTOR_TYPE, 1, declaration);
-        Expansion expansion = expandMessage(*m_machine, messageOf(declaration));
-        leaveOutUnused_i(constantOf(messageOf(declaration), "SKIP-UNUSED"), expansion.places);
-        denied = denied.empty() ? expansion.denied : denied;
-        if (!expansion.places.empty() && !(message.isAlternative && isAvailable)) {
-            m_available.emplace(&feature, &message);
-            isAvailable = true;
-        }
+    leaveOutUnused_i(constantOf(message, "SKIP-UNUSED"), expansion.places);
+    if (!expansion.places.empty()) {
+        return {};
     }
-    if (!isAvailable && !denied.empty()) {
-        capability->setUnavailable(denied + " may not be read", DENIED_FIX);
-    } else if (!isAvailable) {
-        capability->setUnavailable(feature.reason, feature.fix);
+    if (!expansion.denied.empty()) {
+        return {State::ABSENT, expansion.denied + " may not be read", DENIED_FIX};
     }
-    if (addCapability(capability.get()) == 0) {
-        static_cast<void>(capability.release()); // the plug-in owns it now
-    }
-}
-
-int TextFiles::declare(std::vector<std::unique_ptr<pwr::Metadata>>& declarations) {
-    unsigned number = 0;
-    for (const FeatureRow& feature : features()) {
-        for (const MessageRow& message : feature.messages) {
-            if (m_available.contains({&feature, &message})) {
-                appendDeclaration(feature, message, COLLECTOR_TYPE, ++number, declarations);
-            }
-        }
-    }
-    return 0;
+    return {State::ABSENT, {}, {}};
 }
 
 int TextFiles::open(const MsgMetadata& message, MessageInstances& out) {

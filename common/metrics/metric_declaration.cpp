@@ -1,4 +1,4 @@
-#include "plugins/metrics/metric_declaration.h"
+#include "common/metrics/metric_declaration.h"
 
 #include <algorithm>
 #include <array>
@@ -135,6 +135,18 @@ constexpr std::array KEYS{
     KeyRow{"SKIP-KNOWN", &ignore, "YES"},
 };
 
+/// What the host goes by when it chooses messages, and nobody asks for later.
+constexpr std::array MESSAGE_KEYS{
+    KeyRow{"INSTEAD-OF", &ignore, "messages"},
+    KeyRow{"ABSENT-REASON", &ignore, "a sentence"},
+    KeyRow{"ABSENT-FIX", &ignore, "a sentence"},
+};
+
+template <class Rows> const KeyRow* findKey(const Rows& rows, const std::string& key) {
+    const auto row = std::find_if(rows.begin(), rows.end(), [&key](const KeyRow& r) { return r.key == key; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
 struct QuantityRow {
     std::string_view word;
     const Quantity* (*get)();
@@ -154,21 +166,43 @@ constexpr std::array QUANTITIES{
     QuantityRow{"throughput", &Quantity::throughput},
 };
 
-const Quantity* makeQuantity(std::string_view text, std::string& error) {
-    const std::string name(takePart(text, ';'));
-    const std::string unit(takePart(text, ';'));
-    if (text.empty()) {
-        return Quantity::create(QuantityType::CUSTOM, name, unit, nullptr, 1.0);
-    }
-    const std::string rateName(takePart(text, ';'));
-    const std::string rateUnit(takePart(text, ';'));
+struct QuantityWords {
+    std::string name, unit, rateName, rateUnit;
     double factor = 0.0;
-    if (rateName.empty() || !parseWhole(text, factor)) {
-        error = "expected NAME;UNIT;RATE NAME;RATE UNIT;FACTOR";
-        return nullptr;
+};
+
+int parseQuantity(std::string_view text, QuantityWords& words, std::string& error) {
+    if (text.find(';') == std::string_view::npos || text.front() == ';') {
+        error = "\"" + std::string(text) + "\" is no built-in quantity; a new one is NAME;UNIT";
+        return 1;
     }
-    const Quantity* rate = Quantity::create(QuantityType::CUSTOM_RATE, rateName, rateUnit, nullptr, 1.0);
-    return Quantity::create(QuantityType::CUSTOM, name, unit, rate, factor);
+    words.name = takePart(text, ';');
+    words.unit = takePart(text, ';');
+    if (text.empty()) {
+        return 0;
+    }
+    words.rateName = takePart(text, ';');
+    words.rateUnit = takePart(text, ';');
+    if (words.rateName.empty() || !parseWhole(text, words.factor)) {
+        error = "expected NAME;UNIT;RATE NAME;RATE UNIT;FACTOR";
+        return 1;
+    }
+    return 0;
+}
+
+const Quantity* makeQuantity(const QuantityWords& words) {
+    if (words.rateName.empty()) {
+        return Quantity::create(QuantityType::CUSTOM, words.name, words.unit, nullptr, 1.0);
+    }
+    const Quantity* rate =
+        Quantity::create(QuantityType::CUSTOM_RATE, words.rateName, words.rateUnit, nullptr, 1.0);
+    return Quantity::create(QuantityType::CUSTOM, words.name, words.unit, rate, words.factor);
+}
+
+const QuantityRow* builtInQuantity(const std::string& text) {
+    const auto row = std::find_if(QUANTITIES.begin(), QUANTITIES.end(),
+                                  [&text](const QuantityRow& r) { return r.word == text; });
+    return row == QUANTITIES.end() ? nullptr : &*row;
 }
 
 } // namespace
@@ -179,36 +213,53 @@ const Quantity* quantityOf(const std::string& text, std::string& error) {
     if (text.empty()) {
         return nullptr;
     }
-    const auto row = std::find_if(QUANTITIES.begin(), QUANTITIES.end(),
-                                  [&text](const QuantityRow& r) { return r.word == text; });
-    if (row != QUANTITIES.end()) {
+    if (const QuantityRow* const row = builtInQuantity(text)) {
         return row->get();
-    }
-    if (text.find(';') == std::string::npos || text.front() == ';') {
-        error = "\"" + text + "\" is no built-in quantity; a new one is NAME;UNIT";
-        return nullptr;
     }
     const auto known = made.find(text);
     if (known != made.end()) {
         return known->second;
     }
-    const Quantity* quantity = makeQuantity(text, error);
+    QuantityWords words;
+    const Quantity* quantity = parseQuantity(text, words, error) == 0 ? makeQuantity(words) : nullptr;
     if (quantity != nullptr) {
         made.emplace(text, quantity);
     }
     return quantity;
 }
 
+int checkQuantity(const std::string& text, std::string& error) {
+    QuantityWords words;
+    return text.empty() || builtInQuantity(text) != nullptr ? 0 : parseQuantity(text, words, error);
+}
+
+bool MetricDeclaration::isForMessage(const std::string& key) {
+    return findKey(MESSAGE_KEYS, key) != nullptr;
+}
+
+int MetricDeclaration::set(const std::string& key, const std::string& value, std::string& error) {
+    if (isForMessage(key)) {
+        return 0;
+    }
+    const KeyRow* const row = findKey(KEYS, key);
+    if (row == nullptr) {
+        error = "unknown key " + key;
+        return 1;
+    }
+    if (row->set(*this, value) != 0) {
+        error = key + ": expected " + row->expected + ", got \"" + value + "\"";
+        return 1;
+    }
+    return 0;
+}
+
 int MetricDeclaration::parse(const MetricMetadata& record, std::string& error) {
-    for (const auto& [key, value] : record.getValues()) {
-        const auto row =
-            std::find_if(KEYS.begin(), KEYS.end(), [&k = key](const KeyRow& r) { return r.key == k; });
-        if (row == KEYS.end()) {
-            error = "unknown key " + key;
-            return 1;
-        }
-        if (row->set(*this, value) != 0) {
-            error = key + ": expected " + row->expected + ", got \"" + value + "\"";
+    return parse(record.getValues(), error);
+}
+
+int MetricDeclaration::parse(const MetricMetadata::ValueList& values, std::string& error) {
+    for (const auto& [key, value] : values) {
+        if (set(key, value, error) != 0) {
             return 1;
         }
     }
