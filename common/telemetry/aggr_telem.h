@@ -35,6 +35,8 @@ struct KRCOMMON_API AggrTelemCounterInfo {
 class KRCOMMON_API AggrTelemIndex {
 public:
     static AggrTelemIndex& instance();
+    AggrTelemIndex(const AggrTelemIndex&) = delete;
+    AggrTelemIndex& operator=(const AggrTelemIndex&) = delete;
 
     /// Reads the file of a GUID, also once more. 0; or 1, and nothing of the GUID is known any more.
     int load(pw_u32_t guid);
@@ -51,8 +53,6 @@ public:
 private:
     AggrTelemIndex();
     ~AggrTelemIndex();
-    AggrTelemIndex(const AggrTelemIndex&) = delete;
-    AggrTelemIndex& operator=(const AggrTelemIndex&) = delete;
 
     const TelemetrySpecification* specificationOf_i(pw_u32_t guid) const;
 

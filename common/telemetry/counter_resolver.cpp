@@ -94,6 +94,15 @@ private:
         return 0;
     }
 
+    /// The GUID that the machine has where another one's file describes its counters.
+    static pw_u32_t realGuidOf_i(pw_u32_t described) {
+        const std::set<pw_u32_t> loaded = g_pluginEnvironment->getLoadedTAFGUIDs();
+        const auto real = std::find_if(loaded.begin(), loaded.end(), [described](pw_u32_t guid) {
+            return g_pluginEnvironment->getTAFEmulatedGUID(guid) == described;
+        });
+        return loaded.count(described) > 0 || real == loaded.end() ? described : *real;
+    }
+
     /// By its key, else by the platform that the key IP-NAME names, else by the file that has the counter.
     int findGuid_i() {
         if (!m_guid) {
@@ -106,7 +115,7 @@ private:
         }
         pw_u32_t guid = 0;
         if (!m_guid && AggrTelemIndex::instance().findGuidOf(m_info.counterName, guid)) {
-            m_guid = guid;
+            m_guid = realGuidOf_i(guid);
         }
         if (!m_guid) {
             return m_info.counterName.empty() ? malformed_i() : missing_i(m_info.counterName);

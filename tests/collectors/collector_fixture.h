@@ -30,15 +30,8 @@ namespace tests {
 
 /// A collector module on a machine, with the topology that a host would have made of it.
 class CollectorFixture : public ::testing::Test {
-protected:
+public:
     using Keys = std::vector<std::pair<std::string, std::string>>;
-
-    CollectorFixture() { setTopology("0 0 0 0 -1 -1\n1 0 1 0 -1 -1\n"); }
-    ~CollectorFixture() override {
-        std::error_code ignored;
-        std::filesystem::remove(m_file, ignored);
-        pwr::TWConfigFileParser::destroy();
-    }
 
     /// Six numbers for each logical processor, as TopTree::buildTopology takes them.
     static void setTopology(const std::string& text) {
@@ -48,6 +41,33 @@ protected:
         system.setPlatformMetadata(pwr::PlatformType::CPU, cpu);
         pwr::DataHandleProvider::resetTopology(system);
     }
+    /// Binary numbers of 64 bits, as a file holds them.
+    static std::string binary(const std::vector<std::uint64_t>& numbers) {
+        std::string bytes;
+        for (const std::uint64_t number : numbers) {
+            for (unsigned shift = 0; shift < 64; shift += 8) {
+                bytes += static_cast<char>(number >> shift & 0xFFU);
+            }
+        }
+        return bytes;
+    }
+    /// A message of one operation and its constants, not opened yet.
+    static std::unique_ptr<pwr::MsgMetadata> makeMessage(const Keys& operation, const Keys& constants,
+                                                         unsigned number) {
+        auto message = std::make_unique<pwr::MsgMetadata>(1, number, number, "feature", "MSG");
+        message->addMetaValue(pwr::OperationMetadata("op", "TEXT-FILE", 8, "", operation));
+        message->addMetaValue(std::make_unique<pwr::CONSTANTOperationMetadata>("constants", constants));
+        return message;
+    }
+
+protected:
+    CollectorFixture() { setTopology("0 0 0 0 -1 -1\n1 0 1 0 -1 -1\n"); }
+    ~CollectorFixture() override {
+        std::error_code ignored;
+        std::filesystem::remove(m_file, ignored);
+        pwr::TWConfigFileParser::destroy();
+    }
+
     void load(const std::string& module, const std::string& machine) {
         m_loader.setOption("machine", machine);
         ASSERT_EQ(0, loadModule(m_loader, module)) << m_log.text();
@@ -57,12 +77,12 @@ protected:
     void loadRecorded(const std::string& name) {
         load("text_files", pwr::pw_getenv("KR_TEST_DATA") + "/machines/" + name + ".bundle");
     }
-    void loadEntries(const std::string& entries) {
+    void loadEntries(const std::string& entries, const std::string& module = "text_files") {
         m_file =
             std::filesystem::temp_directory_path() /
             (std::string("kr_collector_") + ::testing::UnitTest::GetInstance()->current_test_info()->name());
         std::ofstream(m_file, std::ios::binary) << "tarnwell-machine 1\n@1000\n" << entries << "end\n";
-        load("text_files", m_file.string());
+        load(module, m_file.string());
     }
     static std::string fileEntry(const std::string& path, const std::string& content) {
         return "file " + path + " " + std::to_string(content.size()) + "\n" + content + "\n";
@@ -91,13 +111,10 @@ protected:
                (seen.reason.empty() ? "" : ": " + seen.reason) +
                (seen.fix.empty() ? "" : " (" + seen.fix + ")");
     }
-    /// A message of one operation and its constants, not opened yet.
-    static std::unique_ptr<pwr::MsgMetadata> makeMessage(const Keys& operation, const Keys& constants,
-                                                         unsigned number) {
-        auto message = std::make_unique<pwr::MsgMetadata>(1, number, number, "feature", "MSG");
-        message->addMetaValue(pwr::OperationMetadata("op", "TEXT-FILE", 8, "", operation));
-        message->addMetaValue(std::make_unique<pwr::CONSTANTOperationMetadata>("constants", constants));
-        return message;
+    /// One reading of a message that is opened for it, else why it cannot be.
+    std::string openAndRead(const pwr::MsgMetadata& message) {
+        return m_plugin->open(message, m_instances) == 0 ? read(message)
+                                                         : m_instances.reason + " | " + m_instances.fix;
     }
     /// One reading: "entity/descriptor=value" for each instance, "-" for what is missing.
     std::string read(const pwr::MsgMetadata& message) {

@@ -6,57 +6,20 @@
 #include "common/telemetry/aggr_telem.h"
 #include "common/telemetry/aggr_telem_operation.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/telemetry_description.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 
 namespace {
 
 using namespace pwr;
+using tests::document;
+using tests::fieldXml;
+using tests::sampleXml;
+using tests::SpecificationFile;
 
 constexpr pw_u32_t kGuid = 0x1a2b;
 constexpr pw_u16_t kEndpoint = 7;
-
-/// A specification file where the library looks for it, for as long as the object lives.
-class SpecificationFile {
-public:
-    SpecificationFile(pw_u32_t guid, const std::string& text) {
-        g_pluginEnvironment->setTarnwellDirectory();
-        const std::filesystem::path folder =
-            std::filesystem::path(g_pluginEnvironment->getTarnwellDirectory()) / "xml_configs";
-        std::filesystem::create_directories(folder);
-        char name[32];
-        std::snprintf(name, sizeof(name), "telemetry_0x%x.xml", guid);
-        m_path = folder / name;
-        std::ofstream(m_path, std::ios::binary) << text;
-    }
-    SpecificationFile(const SpecificationFile&) = delete;
-    SpecificationFile& operator=(const SpecificationFile&) = delete;
-    ~SpecificationFile() {
-        std::filesystem::remove(m_path);
-        AggrTelemIndex::instance().clear();
-    }
-
-private:
-    std::filesystem::path m_path;
-};
-
-std::string document(const std::string& samples) {
-    return "<?xml version=\"1.0\"?>\n<root><TELEM:Aggregator><TELEM:SampleGroup name=\"g\">" + samples +
-           "</TELEM:SampleGroup></TELEM:Aggregator></root>\n";
-}
-
-std::string sampleXml(const std::string& name, const std::string& id, const std::string& fields = {}) {
-    return "<TELC:sample name=\"" + name + "\" sampleID=\"" + id + "\">" + fields + "</TELC:sample>";
-}
-
-std::string fieldXml(const std::string& name, const std::string& lsb, const std::string& msb) {
-    return "<TELC:sampleSubGroup name=\"" + name + "\"><TELC:lsb>" + lsb + "</TELC:lsb><TELC:msb>" + msb +
-           "</TELC:msb><x:lsb>9</x:lsb></TELC:sampleSubGroup>";
-}
 
 std::string disabled(const char* guid) {
     return std::string("WARNING: Metrics relying on the Telemetry Aggregation Facility driver are disabled "

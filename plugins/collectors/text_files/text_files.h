@@ -8,7 +8,7 @@
 
 #include "common/machine_files.h"
 #include "common/plugin/collector_plugin.h"
-#include "plugins/collectors/text_files/entity_names.h"
+#include "plugins/collectors/entity_names.h"
 #include "plugins/collectors/text_files/expansion.h"
 #include "plugins/collectors/text_files/read_plan.h"
 
@@ -37,11 +37,10 @@ public:
 private:
     int expand_i(const pwr::MsgMetadata& message, std::vector<Place>& places, MessageInstances& out);
     void leaveOutUnused_i(const std::string& patterns, std::vector<Place>& places) const;
-    int makeInstances_i(std::vector<Place>& places, MessageInstances& out);
 
     std::string m_where = "/";
     std::unique_ptr<pwr::MachineFiles> m_machine;
-    EntityNames m_names;
+    collectors::EntityNames m_names;
     std::size_t m_handles = 0;
     std::map<unsigned, std::unique_ptr<ReadPlan>> m_plans; // by the message's number
 };

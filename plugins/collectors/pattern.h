@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace text_files {
+namespace collectors {
 
 /// What the variables of a pattern stand for in one place: {cpu} = 3, {state} = 1.
 class Binding {
@@ -49,4 +49,4 @@ private:
     std::vector<Part> m_parts;
 };
 
-} // namespace text_files
+} // namespace collectors

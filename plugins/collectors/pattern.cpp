@@ -1,9 +1,9 @@
-#include "plugins/collectors/text_files/pattern.h"
+#include "plugins/collectors/pattern.h"
 
 #include <algorithm>
 #include <array>
 
-namespace text_files {
+namespace collectors {
 
 namespace {
 
@@ -13,9 +13,10 @@ struct VariableRow {
 };
 
 constexpr std::array VARIABLES{
-    VariableRow{"cpu", true},   VariableRow{"core", true},   VariableRow{"package", true},
-    VariableRow{"state", true}, VariableRow{"sensor", true}, VariableRow{"channel", true},
-    VariableRow{"zone", true},  VariableRow{"net", false},   VariableRow{"block", false},
+    VariableRow{"cpu", true},      VariableRow{"core", true},   VariableRow{"package", true},
+    VariableRow{"state", true},    VariableRow{"sensor", true}, VariableRow{"channel", true},
+    VariableRow{"zone", true},     VariableRow{"net", false},   VariableRow{"block", false},
+    VariableRow{"endpoint", true},
 };
 
 const VariableRow* findVariable(std::string_view name) {
@@ -137,4 +138,4 @@ bool Pattern::hasVariable(std::string_view variable) const {
                        [variable](const Part& part) { return part.isVariable && part.text == variable; });
 }
 
-} // namespace text_files
+} // namespace collectors
