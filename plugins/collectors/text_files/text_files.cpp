@@ -10,6 +10,7 @@
 #include "common/plugin/logger.h"
 #include "common/plugin/plugin_loader.h"
 #include "common/values/data.h"
+#include "plugins/collectors/binary_file.h"
 #include "plugins/collectors/reading_time.h"
 
 namespace text_files {
