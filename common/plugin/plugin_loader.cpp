@@ -158,8 +158,7 @@ int PluginLoader::loadFolder(const std::string& folder) {
     std::sort(names.begin(), names.end());
     int result = 0;
     for (const std::string& name : names) {
-        if (endsWith(name, MANIFEST_SUFFIX) &&
-            !readManifest_i(folder + PathOps::getPathSeparator() + name)) {
+        if (endsWith(name, MANIFEST_SUFFIX) && !readManifest_i(folder + PathOps::getPathSeparator() + name)) {
             result = 1;
         }
     }

@@ -50,7 +50,8 @@ TEST_F(HardwareConfigTest, readsTheExamplesOfItsPage) {
     }
     parser().registerCollectorType("TEXT-FILE", nullptr);
     good(examples);
-    EXPECT_EQ("IN:IN+IN(BEGIN,END,POLL) LIMIT:LIMIT(BEGIN,NOTIFIER) ZONES:ZONE-A+ZONE-B+ZONES(POLL) "
+    EXPECT_EQ("IN:IN+IN(BEGIN,END,POLL) BOTH:BOTH(INIT) LIMIT:LIMIT(BEGIN,NOTIFIER) "
+              "ZONES:ZONE-A+ZONE-B+ZONES(POLL) "
               "IN-AT-END:IN+IN(END) FAULTS:FAULTS(INIT)",
               describe(messages("CPU=ORCA-MOBILE", "SWAP")));
 }

@@ -108,6 +108,22 @@ TEST_F(InputMsgTest, keepsConstantsInOrder) {
     EXPECT_EQ(40U, record->getValues().size());
 }
 
+TEST_F(InputMsgTest, namesThePartsOfItsWorkInKeys) {
+    described("ALL_C_M_FILE_FIELD.b c=1\nALL_C_M_FILE_PATH=/a\nALL_C_M_FILE_FIELD.a=2\n"
+              "ALL_C_M_FILE_PATH.a=/b\nALL_C_M_FILE_WIDTH.a=20\nALL_C_M_FILE_.c=3\nALL_C_M_CONSTANT_K.x=4\n");
+    const std::unique_ptr<MsgMetadata> record = messages("X=ALL", "C")[0]->createMsgMetadata();
+    ASSERT_EQ(3U, record->getMetaValues().size());
+    const OperationMetadata& first = *record->getMetaValues()[0];
+    const OperationMetadata& second = *record->getMetaValues()[1];
+    EXPECT_EQ("b c FILE M", first.getName() + " " + first.getOperation() + " " + first.getOrgMsgTag());
+    EXPECT_EQ((OperationMetadata::ValueList{{"PATH", "/a"}, {".c", "3"}, {"FIELD", "1"}}), first.getValues());
+    EXPECT_EQ("a", second.getName());
+    EXPECT_EQ(3U, second.getSize());
+    EXPECT_EQ((OperationMetadata::ValueList{{".c", "3"}, {"FIELD", "2"}, {"PATH", "/b"}, {"WIDTH", "20"}}),
+              second.getValues());
+    EXPECT_EQ((OperationMetadata::ValueList{{"K.x", "4"}}), record->getMetaValues()[2]->getValues());
+}
+
 TEST_F(InputMsgTest, takesOperationsFromASource) {
     described(
         "ALL_C_S_MSG_READ-WHEN=POLL\nALL_C_S_FILE_PATH=/"
