@@ -27,7 +27,7 @@ target_include_directories(krcommon_json SYSTEM INTERFACE ${KRCOMMON_FOREIGN_INC
 # Makes the static library TARGET of the C and C++ sources in the folders FOLDERS of the Debian source package SOURCE. Of its
 # headers only HEADERS are seen, in a folder that holds nothing else, because names such as common/error.h are ours too.
 function(krcommon_foreign_library target)
-    cmake_parse_arguments(arg "" "SOURCE;LICENSE" "FOLDERS;HEADERS;DEFINITIONS" ${ARGN})
+    cmake_parse_arguments(arg "" "SOURCE;TERMS" "FOLDERS;HEADERS;DEFINITIONS" ${ARGN})
     execute_process(COMMAND ${PROJECT_SOURCE_DIR}/scripts/packages --sources OUTPUT_VARIABLE sources
                     OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
     set(include ${PROJECT_BINARY_DIR}/foreign/${target})
@@ -49,15 +49,15 @@ function(krcommon_foreign_library target)
     target_include_directories(${target} SYSTEM INTERFACE ${include})
     set_target_properties(${target} PROPERTIES C_VISIBILITY_PRESET hidden C_CLANG_TIDY "" CXX_CLANG_TIDY "" EXPORT_COMPILE_COMMANDS OFF)
     # Its license asks to be passed on with it.
-    set_property(GLOBAL APPEND PROPERTY KRCOMMON_FOREIGN_LICENSES ${sources}/${arg_SOURCE}/${arg_LICENSE} ${arg_SOURCE}.txt)
+    set_property(GLOBAL APPEND PROPERTY KRCOMMON_FOREIGN_LICENSES ${sources}/${arg_SOURCE}/${arg_TERMS} ${arg_SOURCE}.txt)
 endfunction()
 
 if(WIN32)
     enable_language(C)
-    krcommon_foreign_library(krcommon_zstd SOURCE libzstd LICENSE LICENSE FOLDERS lib/common lib/compress lib/decompress
+    krcommon_foreign_library(krcommon_zstd SOURCE libzstd TERMS LICENSE FOLDERS lib/common lib/compress lib/decompress
                              HEADERS lib/zstd.h lib/zstd_errors.h
                              DEFINITIONS ZSTD_DISABLE_ASM ZSTD_LEGACY_SUPPORT=0 XXH_NAMESPACE=ZSTD_)
-    krcommon_foreign_library(krcommon_pugixml SOURCE pugixml LICENSE LICENSE.md FOLDERS src
+    krcommon_foreign_library(krcommon_pugixml SOURCE pugixml TERMS LICENSE.md FOLDERS src
                              HEADERS src/pugixml.hpp src/pugiconfig.hpp)
 else()
     find_path(KRCOMMON_ZSTD_INCLUDE zstd.h)
