@@ -160,7 +160,16 @@ void MessageSet::open_i(CollectorPlugin* collector, const pwr::MsgMetadata& meta
     if (input != nullptr && isLive) {
         readProcessor(*input, message->processor);
     }
-    const bool isOpen = message->written != nullptr || collector->open(metadata, message->instances) == 0;
+    bool isOpen = true;
+    if (message->processor >= 0 &&
+        !pwr::platform::ProcessorVisit(static_cast<unsigned>(message->processor)).isThere()) {
+        message->instances.reason = "message " + metadata.getMsgName() + ": processor " +
+                                    std::to_string(message->processor) +
+                                    " is not there, or not for this program";
+        isOpen = false;
+    } else if (message->written == nullptr) {
+        isOpen = collector->open(metadata, message->instances) == 0;
+    }
     if (!isOpen) {
         const MessageInstances& why = message->instances;
         m_failures.push_back({metadata.getCapName(), why.reason, why.fix});
