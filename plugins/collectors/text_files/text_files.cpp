@@ -69,14 +69,17 @@ int TextFiles::initialize() {
 }
 
 MessageAvailability TextFiles::probe(const MsgMetadata& message) {
-    // Another collector reads such a system's counters. What lies at "/proc" there, as it does below an emulation
-    // of the system, is not this system's and must not be counted twice.
-    if (!m_machine || (m_where == "/" && !pwr::platform::keepsCountersInFiles())) {
+    if (!m_machine) {
         return {State::NOT_HERE, {}, {}};
     }
     Expansion expansion = expandMessage(*m_machine, message);
     if (!expansion.error.empty()) {
-        return {State::INVALID, expansion.error, {}};
+        return {State::INVALID, expansion.error, {}}; // wherever it is checked
+    }
+    // Another collector reads such a system's counters. What lies at "/proc" there, as it does below an emulation
+    // of the system, is not this system's and must not be counted twice.
+    if (m_where == "/" && !pwr::platform::keepsCountersInFiles()) {
+        return {State::NOT_HERE, {}, {}};
     }
     leaveOutUnused_i(collectors::constantOf(message, "SKIP-UNUSED"), expansion.places);
     if (!expansion.places.empty()) {
