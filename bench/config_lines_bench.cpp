@@ -4,6 +4,7 @@
 
 #include "bench/interleaved.h"
 #include "common/config/statement.h"
+#include "common/config/tw_configfile_parser.h"
 #include "common/config/writer_interface_configfile_parser.h"
 
 #include <array>
@@ -34,6 +35,42 @@ std::string makeText() {
         text += "  swap" + std::to_string(line / 4) + "_RATE_MIN-MAX-AVG_" +
                 KEYS[static_cast<std::size_t>(line % 4)] + "_VALUE=Some text";
         text += line % 10 == 0 ? " # why\n" : "\r\n";
+    }
+    return text;
+}
+
+// The hardware description as shipped files have it: a capability has two attributes and two messages, a message its
+// triggers, three keys of a collector and seven constants.
+std::string makeHardwareText() {
+    static constexpr std::array<const char*, 11> MESSAGE = {
+        "MSG_READ-WHEN=BEGIN,POLL,END",
+        "TEXT-FILE_PATH=/sys/class/net/{net}/statistics/rx_bytes",
+        "TEXT-FILE_FIELD=cpu{cpu} 1",
+        "TEXT-FILE_WIDTH=64",
+        "CONSTANT_METRIC-NAME=Pages swapped in",
+        "CONSTANT_METRIC-TYPE=SampledDelta",
+        "CONSTANT_CONTAINER-TAG=SWAP-IN",
+        "CONSTANT_QUANTITY=Pages;pages",
+        "CONSTANT_SOURCE=COUNTER",
+        "CONSTANT_ENTITY=SYSTEM",
+        "CONSTANT_ENTITY-TITLE=System",
+    };
+    std::string text;
+    int lines = 0;
+    for (int cap = 0; lines < LINE_COUNT; ++cap) {
+        const std::string prefix = "ALL_SWAP" + std::to_string(cap) + "_";
+        const auto add = [&](const std::string& statement) {
+            if (lines < LINE_COUNT) {
+                text += prefix + statement + (++lines % 10 == 0 ? " # why\n" : "\n");
+            }
+        };
+        add("CAPABILITY_COMMAND-LINE_VALUE=swap" + std::to_string(cap));
+        add("CAPABILITY_HELP-STRING_VALUE=pages swapped in and out");
+        for (const char* const message : {"IN_", "OUT_"}) {
+            for (const char* const statement : MESSAGE) {
+                add(std::string(message) + statement);
+            }
+        }
     }
     return text;
 }
@@ -190,6 +227,13 @@ void parseAll(const std::string& text) {
     }
 }
 
+void parseHardware(const std::string& text) {
+    if (pwr::TWConfigFileParser::instance()->parseText("bench.cfg", text) != 0) {
+        std::fprintf(stderr, "the hardware description was refused\n");
+        std::exit(1);
+    }
+}
+
 } // namespace
 
 // Not inlined: the compiler would see free() meet a pointer from new and take the pair for a mistake.
@@ -228,9 +272,16 @@ int main() {
         Found found;
         return bench::timed([&] { splitAll(text, found); });
     });
-    comparison.add("whole parse with its objects", LINE_COUNT, [&] {
+    comparison.add("output configuration with its objects", LINE_COUNT, [&] {
         const bench::Nanoseconds taken = bench::timed([&] { parseAll(text); });
         pwr::WriterInterfaceConfigFileParser::destroy();
+        return taken;
+    });
+    const std::string hardware = makeHardwareText();
+    comparison.add("hardware description with its objects", LINE_COUNT, [&] {
+        pwr::TWConfigFileParser::instance()->registerCollectorType("TEXT-FILE", nullptr);
+        const bench::Nanoseconds taken = bench::timed([&] { parseHardware(hardware); });
+        pwr::TWConfigFileParser::destroy();
         return taken;
     });
     comparison.report();

@@ -7,7 +7,7 @@ target_compile_features(KRCommon PUBLIC cxx_std_20)
 target_compile_definitions(KRCommon PRIVATE KRCOMMON_BUILDING)
 target_include_directories(KRCommon PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
                                            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-target_link_libraries(KRCommon PRIVATE krcommon_zstd Threads::Threads ${CMAKE_DL_LIBS})
+target_link_libraries(KRCommon PRIVATE krcommon_zstd krcommon_pugixml Threads::Threads ${CMAKE_DL_LIBS})
 
 if(WIN32)
     # Lists the machine's devices.

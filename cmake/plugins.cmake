@@ -1,5 +1,7 @@
 # Each folder plugins/{collectors,metrics,writers}/NAME becomes the module NAME beside the library.
 # platforms.txt names the systems that a plug-in is for (linux, windows); without it, all.
+# manifest.txt of a collector names its types; with what is known here it becomes NAME.manifest beside the module, for
+# every system: hardware descriptions name types that have a module elsewhere only.
 # A folder that needs more has a CMakeLists.txt of its own, which may call krcommon_add_plugin() and go on from there.
 
 function(krcommon_add_plugin name)
@@ -36,6 +38,26 @@ function(krcommon_plugin_wanted result folder)
     set(${result} ${wanted} PARENT_SCOPE)
 endfunction()
 
+function(krcommon_plugin_manifest kind folder)
+    cmake_path(GET folder FILENAME name)
+    string(REGEX REPLACE "s$" "" kind ${kind})
+    set(text "kind=${kind}\nlibrary=${PROJECT_VERSION}\n")
+    if(EXISTS ${folder}/platforms.txt)
+        file(READ ${folder}/platforms.txt platforms)
+        string(REGEX MATCHALL "[a-z]+" platforms "${platforms}")
+        list(JOIN platforms "," platforms)
+        string(APPEND text "systems=${platforms}\n")
+    endif()
+    if(EXISTS ${folder}/manifest.txt)
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${folder}/manifest.txt)
+        file(READ ${folder}/manifest.txt types)
+        string(APPEND text "${types}")
+    endif()
+    set(manifest ${KRCOMMON_BIN_DIR}/plugins/${name}.manifest)
+    file(CONFIGURE OUTPUT ${manifest} CONTENT "${text}" @ONLY)
+    set_property(GLOBAL APPEND PROPERTY KRCOMMON_PLUGIN_MANIFESTS ${manifest})
+endfunction()
+
 foreach(kind collectors metrics writers)
     file(GLOB files CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/plugins/${kind}/*/*.cpp
                                       ${PROJECT_SOURCE_DIR}/plugins/${kind}/*/CMakeLists.txt)
@@ -46,6 +68,7 @@ foreach(kind collectors metrics writers)
     endforeach()
     list(REMOVE_DUPLICATES folders)
     foreach(folder ${folders})
+        krcommon_plugin_manifest(${kind} ${folder})
         krcommon_plugin_wanted(wanted ${folder})
         if(wanted AND EXISTS ${folder}/CMakeLists.txt)
             add_subdirectory(${folder})

@@ -39,21 +39,41 @@ public:
     BundleFile(const MachineBundle& bundle, std::string path) : m_bundle(bundle), m_path(std::move(path)) {}
 
     MachineStatus read(std::string& out) override {
-        const std::size_t moment = m_bundle.currentMoment_i();
-        if (moment != m_moment) {
-            const MachineBundle::Node* node = m_bundle.find_i(m_path, moment, true);
-            m_version = node == nullptr ? nullptr : node->at(moment);
-            m_moment = moment;
-        }
         out.clear();
-        if (m_version == nullptr || m_version->kind == MachineBundle::Version::Kind::LINK) {
+        if (!find_i()) {
             return MachineStatus::MISSING;
         }
         out.assign(m_version->content);
         return m_version->status;
     }
 
+    MachineStatus readAt(std::uint64_t offset, std::span<char> bytes) override {
+        if (!find_i()) {
+            return MachineStatus::MISSING;
+        }
+        const std::string_view content = m_version->content;
+        if (m_version->status != MachineStatus::OK) {
+            return m_version->status;
+        }
+        if (bytes.size() > content.size() || offset > content.size() - bytes.size()) {
+            return MachineStatus::MISSING;
+        }
+        content.copy(bytes.data(), bytes.size(), static_cast<std::size_t>(offset));
+        return MachineStatus::OK;
+    }
+
 private:
+    /// What the path holds now; false when there is no file.
+    bool find_i() {
+        const std::size_t moment = m_bundle.currentMoment_i();
+        if (moment != m_moment) {
+            const MachineBundle::Node* node = m_bundle.find_i(m_path, moment, true);
+            m_version = node == nullptr ? nullptr : node->at(moment);
+            m_moment = moment;
+        }
+        return m_version != nullptr && m_version->kind != MachineBundle::Version::Kind::LINK;
+    }
+
     const MachineBundle& m_bundle;
     std::string m_path;
     std::size_t m_moment = static_cast<std::size_t>(-1);

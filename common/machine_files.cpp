@@ -90,6 +90,7 @@ class RootFile : public MachineFile {
 public:
     explicit RootFile(std::string path) : m_path(std::move(path)) {}
 
+    /// Also once more: the system takes counters away with their device and makes new ones when it returns.
     int openNow() { return m_file.open(m_path); }
 
     MachineStatus read(std::string& out) override {
@@ -97,13 +98,25 @@ public:
         if (error == 0) {
             return MachineStatus::OK;
         }
-        // The system takes counters away with their device and makes new ones when it returns.
-        const int again = m_file.open(m_path);
+        const int again = openNow();
         if (again != 0) {
             out.clear();
             return statusOf(again);
         }
         return statusOf(m_file.readAll(out));
+    }
+
+    MachineStatus readAt(std::uint64_t offset, std::span<char> bytes) override {
+        std::size_t got = 0;
+        int error = m_file.isOpen() ? m_file.readAt(offset, bytes, got) : ENODEV;
+        if (error != 0) {
+            error = openNow();
+            error = error == 0 ? m_file.readAt(offset, bytes, got) : error;
+        }
+        if (error != 0) {
+            return statusOf(error);
+        }
+        return got == bytes.size() ? MachineStatus::OK : MachineStatus::MISSING;
     }
 
 private:

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,10 @@ public:
     /// steady state costs no allocation. On failure `out` is empty. A file that vanished and
     /// came back (a processor that went offline) is opened again by its path.
     virtual MachineStatus read(std::string& out) = 0;
+
+    /// Fills `bytes` from an offset on, for files that are tables of binary counters. MISSING when the file
+    /// ends before, and on every failure the bytes mean nothing.
+    virtual MachineStatus readAt(std::uint64_t offset, std::span<char> bytes) = 0;
 };
 
 /// The files of a machine, either the one that the program runs on, a copied root folder, or

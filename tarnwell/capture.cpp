@@ -3,6 +3,7 @@
 #include "common/machine_bundle.h"
 #include "common/platform/interrupt.h"
 #include "common/result_file.h"
+#include "common/telemetry/endpoint_table.h"
 #include "tarnwell/collection_clock.h"
 #include "tarnwell/poll_schedule.h"
 #include "tarnwell/settings.h"
@@ -33,6 +34,7 @@ const std::vector<std::string>& capturedPaths() {
         "/proc/sys/kernel/osrelease",
         "/proc/sys/kernel/arch",
         "/etc/os-release",
+        pwr::TELEMETRY_ENDPOINT_TABLE,
         "/usr/lib/os-release",
         "/sys/hypervisor/type",
         "/sys/class/dmi/id/sys_vendor",
@@ -64,6 +66,19 @@ const std::vector<std::string>& capturedPaths() {
     return paths;
 }
 
+/// The paths of every machine, and those of the telemetry endpoints that this one lists.
+std::vector<std::string> pathsOf(const pwr::MachineFiles& machine) {
+    std::vector<std::string> paths = capturedPaths();
+    std::string table;
+    std::vector<std::string> problems; // whoever collects from the record will hear of them
+    machine.read(pwr::TELEMETRY_ENDPOINT_TABLE, table);
+    for (const pwr::TelemetryEndpoint& endpoint :
+         pwr::readEndpointTable(pwr::TELEMETRY_ENDPOINT_TABLE, table, problems)) {
+        paths.push_back(endpoint.file);
+    }
+    return paths;
+}
+
 } // namespace
 
 int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, std::string& reason) {
@@ -81,7 +96,7 @@ int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, s
     const double seconds = settings.seconds.value_or(kDefaultSeconds);
     PollSchedule schedule(begin, ticksOf(settings.intervalMs * kNanosecondsPerMillisecond),
                           begin + ticksOf(seconds * kNanosecondsPerSecond));
-    pwr::BundleWriter writer(machine, capturedPaths());
+    pwr::BundleWriter writer(machine, pathsOf(machine));
     for (std::uint64_t deadline = begin;;) {
         while (clock.now() < deadline && pwr::platform::interruptCount() == 0) {
             clock.waitUntil(deadline, nullptr);

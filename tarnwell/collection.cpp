@@ -25,6 +25,10 @@ constexpr double kMillisecondsPerSecond = 1000.0;
 Collection::Collection(const Settings& settings, const CollectionParts& parts)
     : m_settings(settings), m_parts(parts) {}
 
+void Collection::initialize() {
+    m_initial = m_parts.messages.read("INIT");
+}
+
 void Collection::begin() {
     pwr::SystemMetadata& system = m_parts.system;
     system.startTimeval = m_parts.clock.isRecorded() ? 0 : wallClockMicroseconds();
@@ -44,6 +48,7 @@ CollectionOutcome Collection::run(pwr::platform::ChildProcess* child, ProgressLi
     const std::vector<pwr::TWClockSync> moment = m_parts.moments.take();
     m_parts.system.clockSyncs.assign(moment.begin(), moment.end());
     m_parts.saving.begin(m_parts.system, moment);
+    use_i(m_initial);
     use_i(first);
     PollSchedule schedule(begin, interval, stop);
     std::uint64_t deadline = schedule.nextDeadline(m_parts.clock.now());
@@ -70,6 +75,7 @@ CollectionOutcome Collection::run(pwr::platform::ChildProcess* child, ProgressLi
     progress.clear();
     use_i(read_i("END"));
     end_i();
+    finalize_i();
     m_outcome.missedTicks = schedule.missed();
     m_outcome.seconds = static_cast<double>(m_parts.system.stopTSC - begin) / ticksPerSecond;
     m_outcome.meanIntervalMs =
@@ -108,6 +114,12 @@ void Collection::end_i() {
     system.stopTSC = std::max(m_parts.clock.now(), m_lastRead);
     system.stopTimeval = m_parts.clock.isRecorded() ? 0 : wallClockMicroseconds();
     system.producedSamples = m_parts.messages.producedValues();
+}
+
+/// What is read after the end belongs to the collection all the same.
+void Collection::finalize_i() {
+    use_i(m_parts.messages.read("FINI"));
+    m_parts.system.producedSamples = m_parts.messages.producedValues();
 }
 
 double Collection::millisecondsOf_i(std::uint64_t ticks) const {

@@ -49,6 +49,8 @@ class Collection {
 public:
     Collection(const Settings& settings, const CollectionParts& parts);
 
+    /// Carries out what is to be done before a collection begins; what it reads counts with the first round.
+    void initialize();
     /// Notes the begin in the system record, which the metric containers read with the first sample.
     void begin();
 
@@ -58,6 +60,7 @@ private:
     std::uint64_t plannedStop_i() const;
     const std::vector<const CollectionData*>& read_i(const char* trigger);
     void use_i(const std::vector<const CollectionData*>& round);
+    void finalize_i();
     void end_i();
     double millisecondsOf_i(std::uint64_t ticks) const;
 
@@ -65,6 +68,7 @@ private:
     CollectionParts m_parts;
     CollectionOutcome m_outcome;
     std::uint64_t m_lastRead = 0;
+    std::vector<const CollectionData*> m_initial; ///< read before the begin
 };
 
 } // namespace tarnwell

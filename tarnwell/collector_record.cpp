@@ -2,6 +2,7 @@
 
 #include "common/plugin/collector_plugin.h"
 #include "common/tw_clock.h"
+#include "tarnwell/hardware_description.h"
 #include "tarnwell/message_set.h"
 #include "tarnwell/plugin_set.h"
 
@@ -21,13 +22,23 @@ void add(Values& values, const char* key, const std::string& value) {
     }
 }
 
-void addFeature(Values& values, const PluginCapability& capability, const OpenFailure* failure) {
-    const bool isAvailable = capability.isAvailable() && failure == nullptr;
-    add(values, "FEATURE", capability.getName());
-    add(values, "DESCRIPTION", capability.getDescription());
+void addFeature(Values& values, const Feature& feature, const OpenFailure* failure) {
+    const bool isAvailable = feature.isAvailable && failure == nullptr;
+    add(values, "FEATURE", feature.name);
+    add(values, "DESCRIPTION", feature.description);
     add(values, "STATE", isAvailable ? kAvailable : "off");
-    add(values, "REASON", failure == nullptr ? capability.getReason() : failure->reason);
-    add(values, "FIX", failure == nullptr ? capability.getFix() : failure->fix);
+    add(values, "REASON", failure == nullptr ? feature.reason : failure->reason);
+    add(values, "FIX", failure == nullptr ? feature.fix : failure->fix);
+}
+
+/// What a collector can do here: by the hardware description, and by itself.
+std::vector<Feature> featuresOf(const HardwareDescription& description, const CollectorPlugin& collector) {
+    std::vector<Feature> features = description.features(&collector);
+    for (const PluginCapability* capability : collector.getCapabilities()) {
+        features.push_back({capability->getName(), capability->getDescription(), capability->isAvailable(),
+                            capability->getReason(), capability->getFix(), capability->isHidden(), {}});
+    }
+    return features;
 }
 
 /// What a key behind FEATURE sets.
@@ -45,6 +56,7 @@ void setFact(Feature& feature, const std::string& key, const std::string& value)
 } // namespace
 
 std::vector<std::unique_ptr<pwr::CollectorMetadata>> collectorRecords(const PluginSet& plugins,
+                                                                      const HardwareDescription& description,
                                                                       const MessageSet& messages,
                                                                       const std::string& defaultClockUUID) {
     std::vector<std::unique_ptr<pwr::CollectorMetadata>> records;
@@ -53,9 +65,9 @@ std::vector<std::unique_ptr<pwr::CollectorMetadata>> collectorRecords(const Plug
         Values values;
         add(values, "VERSION", plugins.versionOf(*collector));
         add(values, "CLOCK", clock == nullptr ? defaultClockUUID : clock->getUUID());
-        for (const PluginCapability* capability : collector->getCapabilities()) {
-            if (!capability->isHidden()) {
-                addFeature(values, *capability, messages.failureOf(capability->getName()));
+        for (const Feature& feature : featuresOf(description, *collector)) {
+            if (!feature.isHidden) {
+                addFeature(values, feature, messages.failureOf(feature.name));
             }
         }
         records.push_back(std::make_unique<pwr::CollectorMetadata>(collector->getName(), std::move(values)));
@@ -67,7 +79,7 @@ std::vector<Feature> recordedFeatures(const pwr::CollectorMetadata& record) {
     std::vector<Feature> features;
     for (const auto& [key, value] : record.getValues()) {
         if (key == "FEATURE") {
-            features.push_back({value, {}, false, {}, {}});
+            features.emplace_back().name = value;
         } else if (!features.empty()) {
             setFact(features.back(), key, value);
         }

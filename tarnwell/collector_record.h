@@ -11,6 +11,7 @@ class CollectorPlugin;
 
 namespace tarnwell {
 
+class HardwareDescription;
 class MessageSet;
 class PluginSet;
 
@@ -18,6 +19,7 @@ class PluginSet;
 /// built with) and CLOCK (the UUID of the clock that stamps its readings), then for each feature FEATURE, DESCRIPTION,
 /// STATE ("available" or "off"), REASON and FIX. Keys without a value are left out.
 std::vector<std::unique_ptr<pwr::CollectorMetadata>> collectorRecords(const PluginSet& plugins,
+                                                                      const HardwareDescription& description,
                                                                       const MessageSet& messages,
                                                                       const std::string& defaultClockUUID);
 

@@ -55,6 +55,14 @@ void declareMachine(CLI::App& options, Settings& settings, const char* descripti
     options.add_option("--machine", settings.machine, description)->type_name("PLACE");
 }
 
+void declareHardwareConfig(CLI::App& options, Settings& settings) {
+    options
+        .add_option("--hardware-config", settings.hardwareConfig,
+                    "hardware description on top of the shipped files; repeat for more")
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+}
+
 void declareSavedFile(CLI::App& options, Settings& settings) {
     options.add_option("FILE", settings.inputFile, "the saved collection")->required();
 }

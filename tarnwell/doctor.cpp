@@ -1,6 +1,7 @@
 #include "tarnwell/doctor.h"
 
 #include "common/machine_files.h"
+#include "common/metadata/system_metadata.h"
 #include "common/platform/interrupt.h"
 #include "tarnwell/capture.h"
 #include "tarnwell/collection_clock.h"
@@ -8,7 +9,9 @@
 #include "tarnwell/complaints.h"
 #include "tarnwell/exit_code.h"
 #include "tarnwell/feature_list.h"
+#include "tarnwell/hardware_description.h"
 #include "tarnwell/host_environment.h"
+#include "tarnwell/machine_description.h"
 #include "tarnwell/plugin_set.h"
 #include "tarnwell/settings.h"
 
@@ -28,10 +31,16 @@ std::string padded(const std::string& text, std::size_t width) {
 std::string doctorReport(const FeatureList& features, const PluginSet& plugins) {
     std::size_t width = 0;
     for (const Feature& feature : features.all()) {
+        if (feature.isHidden) {
+            continue;
+        }
         width = std::max(width, feature.name.size());
     }
     std::string text = "Features of this machine:\n";
     for (const Feature& feature : features.all()) {
+        if (feature.isHidden) {
+            continue;
+        }
         text += "  " + padded(feature.name, width) + "  " + (feature.isAvailable ? "yes" : "no ") + "  " +
                 feature.description + "\n";
         if (!feature.isAvailable) {
@@ -64,6 +73,7 @@ void declareDoctor(CLI::App& options, Settings& settings) {
         ->type_name("FILE");
     declareTime(options, settings, "seconds to record for the bundle (default 1)");
     declareInterval(options, settings, "milliseconds between the bundle's moments");
+    declareHardwareConfig(options, settings);
     declareMachine(options, settings, "look at this root folder or captured bundle");
 }
 
@@ -79,7 +89,14 @@ int runDoctor(const Settings& settings) {
     PluginSet plugins;
     plugins.load(environment.folder() + "plugins", collectingOptions(settings));
     pwr::platform::installInterruptHandler();
-    std::fputs(doctorReport(FeatureList(plugins.collectors()), plugins).c_str(), stdout);
+    HardwareDescription description;
+    pwr::SystemMetadata system;
+    describeMachine(*machine, !clock.isRecorded() && settings.machine == "/", system);
+    if (description.read(environment.folder(), settings.hardwareConfig) != 0 ||
+        description.choose(system, plugins, settings.maxDetail) != 0) {
+        return fail(ExitCode::FAILED, "the hardware description is not usable (see above)");
+    }
+    std::fputs(doctorReport(FeatureList(description, plugins.collectors()), plugins).c_str(), stdout);
     if (!settings.captureFile.empty()) {
         if (const int code = writeBundle(settings, *machine); code != 0) {
             return code;

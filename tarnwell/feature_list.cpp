@@ -2,18 +2,22 @@
 
 #include "common/plugin/collector_plugin.h"
 #include "tarnwell/collector_record.h"
+#include "tarnwell/hardware_description.h"
 
 #include <algorithm>
 
 namespace tarnwell {
 
-FeatureList::FeatureList(const std::vector<CollectorPlugin*>& collectors) {
+FeatureList::FeatureList(const HardwareDescription& description,
+                         const std::vector<CollectorPlugin*>& collectors) {
+    for (Feature& feature : description.features()) {
+        add_i(std::move(feature));
+    }
     for (const CollectorPlugin* collector : collectors) {
         for (const PluginCapability* capability : collector->getCapabilities()) {
-            if (!capability->isHidden()) {
-                add_i({capability->getName(), capability->getDescription(), capability->isAvailable(),
-                       capability->getReason(), capability->getFix()});
-            }
+            add_i({capability->getName(), capability->getDescription(), capability->isAvailable(),
+                   capability->getReason(), capability->getFix(), capability->isHidden(),
+                   capability->getGroups()});
         }
     }
 }
@@ -31,8 +35,12 @@ void FeatureList::add_i(Feature feature) {
                                     [&](const Feature& other) { return other.name == feature.name; });
     if (known == m_features.end()) {
         m_features.push_back(std::move(feature));
-    } else if (!known->isAvailable && feature.isAvailable) {
-        *known = std::move(feature);
+    } else {
+        feature.groups.insert(known->groups.begin(), known->groups.end());
+        known->groups = feature.groups;
+        if (!known->isAvailable && feature.isAvailable) {
+            *known = std::move(feature);
+        }
     }
 }
 
@@ -42,10 +50,20 @@ const Feature* FeatureList::find(const std::string& name) const {
     return at == m_features.end() ? nullptr : &*at;
 }
 
+std::vector<const Feature*> FeatureList::select(const std::string& name) const {
+    std::vector<const Feature*> selected;
+    for (const Feature& feature : m_features) {
+        if (feature.name == name || feature.groups.count(name) != 0) {
+            selected.push_back(&feature);
+        }
+    }
+    return selected;
+}
+
 std::string FeatureList::names(bool available) const {
     std::string text;
     for (const Feature& feature : m_features) {
-        if (feature.isAvailable == available) {
+        if (feature.isAvailable == available && !feature.isHidden) {
             text += (text.empty() ? "" : ", ") + feature.name;
         }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,8 @@ class CollectorMetadata;
 
 namespace tarnwell {
 
+class HardwareDescription;
+
 /// One feature that some collector knows, and whether this machine has it.
 struct Feature {
     std::string name;
@@ -18,20 +21,24 @@ struct Feature {
     bool isAvailable = false;
     std::string reason; ///< why not
     std::string fix;    ///< what would mend it; may be empty
+    bool isHidden = false; ///< not listed, and collected only when it is asked for
+    std::set<std::string> groups;
 };
 
-/// The features of all collectors in order of first mention. A feature that several collectors know is
-/// available when one of them has it.
+/// The features of the hardware description, and those that collectors bring along themselves, in order of first
+/// mention. A feature that comes several times is available when it is so once.
 class FeatureList {
 public:
-    explicit FeatureList(const std::vector<CollectorPlugin*>& collectors);
+    FeatureList(const HardwareDescription& description, const std::vector<CollectorPlugin*>& collectors);
     /// As it was on the machine of a saved collection.
     explicit FeatureList(const std::vector<const pwr::CollectorMetadata*>& records);
 
     const std::vector<Feature>& all() const { return m_features; }
     const Feature* find(const std::string& name) const;
+    /// What a name asks for: the feature of that name and all features of the group of that name.
+    std::vector<const Feature*> select(const std::string& name) const;
 
-    /// Names of the available (or of all the other) features joined by ", ".
+    /// Names of the available (or of all the other) features that are not hidden, joined by ", ".
     std::string names(bool available) const;
 
 private:

@@ -14,6 +14,7 @@
 #include "tarnwell/complaints.h"
 #include "tarnwell/computation.h"
 #include "tarnwell/feature_list.h"
+#include "tarnwell/hardware_description.h"
 #include "tarnwell/host_environment.h"
 #include "tarnwell/machine_description.h"
 #include "tarnwell/message_set.h"
@@ -50,10 +51,16 @@ public:
         if (const std::string missing = m_plugins.missingKind(true); !missing.empty()) {
             return fail(ExitCode::FAILED, missing);
         }
-        if (const int code = choose_i(FeatureList(m_plugins.collectors())); code != 0) {
+        describeMachine(m_machine, isLive_i(), m_system);
+        if (m_description.read(m_environment.folder(), m_settings.hardwareConfig) != 0 ||
+            m_description.choose(m_system, m_plugins, m_settings.maxDetail) != 0) {
+            return fail(ExitCode::FAILED, "the hardware description is not usable (see above)");
+        }
+        if (const int code = choose_i(FeatureList(m_description, m_plugins.collectors())); code != 0) {
             return code;
         }
-        if (m_configuration.readFiles(m_settings.outputConfig, m_environment.folder()) != 0) {
+        if (m_configuration.readFiles(m_settings.outputConfig, m_environment.folder(),
+                                      m_settings.moreOutputConfig) != 0) {
             return fail(ExitCode::FAILED, "the output configuration is not usable (see above)");
         }
         // Found out before hours of collecting, not after them.
@@ -72,22 +79,27 @@ private:
     /// What to collect: what was asked for, else all that the machine offers.
     int choose_i(const FeatureList& features) {
         for (const std::string& name : m_settings.features) {
-            const Feature* feature = features.find(name);
-            if (feature == nullptr) {
+            const std::vector<const Feature*> selected = features.select(name);
+            if (selected.empty()) {
                 return fail(ExitCode::USAGE,
                             "unknown feature \"" + name + "\"; there are: " + features.names(true) +
                                 (features.names(false).empty() ? "" : ", " + features.names(false)));
             }
-            if (feature->isAvailable) {
-                m_chosen.insert(name);
-            } else {
-                m_missing.push_back(unavailableText(*feature));
+            for (const Feature* feature : selected) {
+                if (feature->isAvailable) {
+                    m_chosen.insert(feature->name);
+                } else {
+                    m_missing.push_back(unavailableText(*feature));
+                }
             }
         }
         for (const Feature& feature : features.all()) {
-            if (m_settings.features.empty() && feature.isAvailable) {
+            if (!m_settings.features.empty() || feature.isHidden) {
+                continue;
+            }
+            if (feature.isAvailable) {
                 m_chosen.insert(feature.name);
-            } else if (m_settings.features.empty()) {
+            } else {
                 m_absent.push_back(feature.name + " (" + feature.reason + ")");
             }
         }
@@ -95,13 +107,14 @@ private:
         return 0;
     }
 
+    bool isLive_i() const { return !m_clock.isRecorded() && m_settings.machine == "/"; }
+
     int collect_i() {
         m_environment.openStream(m_plugins.writers());
-        describeMachine(m_machine, !m_clock.isRecorded() && m_settings.machine == "/", m_system);
         describeBuild(m_system);
         describeRun(m_settings, m_clock, m_system);
         pwr::DataHandleProvider::initTopology(m_system);
-        const int opened = m_messages.open(m_plugins.collectors(), m_chosen);
+        const int opened = m_messages.open(m_plugins.collectors(), m_description, m_chosen, isLive_i());
         complain(m_messages.problems());
         if (opened != 0) {
             return toInt(ExitCode::FAILED);
@@ -120,6 +133,7 @@ private:
             }
         }
         ProgressLine progress(!m_settings.quiet && isErrorTerminal());
+        collection.initialize();
         // As late as possible, so that the collection's time does not count its own preparations.
         collection.begin();
         const CollectionOutcome outcome = collection.run(child.get(), progress);
@@ -129,7 +143,7 @@ private:
 
     /// The file gets the same declarations in the same order as the metric plug-ins.
     void announce_i() {
-        m_records = collectorRecords(m_plugins, m_messages, m_clock.source().getUUID());
+        m_records = collectorRecords(m_plugins, m_description, m_messages, m_clock.source().getUUID());
         std::vector<const pwr::Metadata*> declarations;
         for (const auto& record : m_records) {
             declarations.push_back(record.get());
@@ -137,7 +151,11 @@ private:
         const auto own = m_messages.declarations();
         declarations.insert(declarations.end(), own.begin(), own.end());
         const auto messages = m_messages.announced();
-        m_saving.describe(m_configuration.texts(), declarations, messages, m_system);
+        ConfigurationTexts texts = m_configuration.texts();
+        for (auto& text : m_description.textsOf(m_chosen)) {
+            texts.push_back(std::move(text));
+        }
+        m_saving.describe(texts, declarations, messages, m_system);
         m_computation.announce(declarations, messages, m_system);
     }
 
@@ -177,6 +195,7 @@ private:
     ClockMoments m_moments; ///< early, since it measures clocks from its making on
     HostEnvironment m_environment;
     OutputConfiguration m_configuration;
+    HardwareDescription m_description;
     // What the plug-ins refer to outlives them.
     pwr::SystemMetadata m_system;
     std::vector<std::unique_ptr<pwr::CollectorMetadata>> m_records;

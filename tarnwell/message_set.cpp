@@ -1,12 +1,19 @@
 #include "tarnwell/message_set.h"
 
+#include "common/config/input_msg.h"
 #include "common/metadata/metadata.h"
 #include "common/metadata/metric_metadata.h"
+#include "common/metrics/metric_declaration.h"
+#include "common/platform/processor_visit.h"
 #include "common/plugin/collector_plugin.h"
 #include "common/plugin/reading_precision.h"
+#include "tarnwell/hardware_description.h"
+#include "tarnwell/message_check.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
+#include <optional>
 
 namespace tarnwell {
 namespace {
@@ -14,68 +21,156 @@ namespace {
 // The header of a reading names collector, metric and message with one byte each; 0 is "none".
 constexpr unsigned kHighestId = 255;
 
+constexpr const char* kWidth = "WIDTH";
+
+/// The counter's width stands with the operations, where the collector needs it; the metric needs it as well.
+std::string widthOf(const pwr::MsgMetadata& message) {
+    for (const pwr::OperationMetadata* operation : message.getMetaValues()) {
+        for (const auto& [key, value] : operation->getValues()) {
+            if (key == kWidth) {
+                return value;
+            }
+        }
+    }
+    return "64";
+}
+
+/// The metric that a message's constants describe; null when they describe none.
+std::unique_ptr<pwr::MetricMetadata> metricOf(const pwr::MsgMetadata& message) {
+    if (!hasMetric(message)) {
+        return nullptr;
+    }
+    pwr::MetricMetadata::ValueList values;
+    for (const auto& [key, value] : constantsOf(message)) {
+        if (key != kWidth && !pwr::MetricDeclaration::isForMessage(key)) {
+            values.emplace_back(key, value);
+        }
+    }
+    values.emplace_back(kWidth, widthOf(message));
+    return std::make_unique<pwr::MetricMetadata>(0, 0, std::move(values));
+}
+
 } // namespace
 
 MessageSet::MessageSet() = default;
 MessageSet::~MessageSet() = default;
 
-int MessageSet::open(const std::vector<CollectorPlugin*>& collectors, const std::set<std::string>& features) {
+int MessageSet::open(const std::vector<CollectorPlugin*>& collectors, const HardwareDescription& description,
+                     const std::set<std::string>& features, bool isLive) {
     for (CollectorPlugin* collector : collectors) {
-        std::vector<std::unique_ptr<pwr::Metadata>> declarations;
-        if (collector->declare(declarations) != 0) {
-            m_problems.push_back(collector->getName() + ": its messages could not be declared");
-            continue;
+        std::vector<Declared> declared = ownDeclarations_i(*collector);
+        std::erase_if(declared,
+                      [&](const Declared& d) { return features.count(d.message->getCapName()) == 0; });
+        for (const OfferedFeature& feature : description.offered()) {
+            for (const OfferedMessage& offered : feature.messages) {
+                if (offered.collector == collector && offered.isAvailable() &&
+                    features.count(feature.capability.getName()) != 0) {
+                    auto record = offered.message->createMsgMetadata();
+                    auto metric = metricOf(*record);
+                    declared.push_back({std::move(record), std::move(metric), offered.message});
+                }
+            }
         }
-        if (adopt_i(collector, std::move(declarations), features) != 0) {
+        if (adopt_i(collector, std::move(declared), isLive) != 0) {
             return 1;
         }
     }
+    noteUnserved_i(description, features);
     return 0;
 }
 
-/// Takes the declarations of one collector over: what belongs to a chosen feature gets the host's numbers.
-int MessageSet::adopt_i(CollectorPlugin* collector, std::vector<std::unique_ptr<pwr::Metadata>> declarations,
-                        const std::set<std::string>& features) {
-    const unsigned collectorId = ++m_collectorCount;
-    std::map<pw_u32_t, pw_u32_t> metricIds; // the collector's own numbers to ours
-    std::vector<const pwr::MsgMetadata*> messages;
+/// A message without a plug-in is missing from a feature that otherwise works.
+void MessageSet::noteUnserved_i(const HardwareDescription& description,
+                                const std::set<std::string>& features) {
+    for (const OfferedFeature& feature : description.offered()) {
+        const std::string& name = feature.capability.getName();
+        for (const OfferedMessage& offered : feature.messages) {
+            if (features.count(name) != 0 && offered.collector == nullptr &&
+                offered.availability.state == MessageAvailability::State::ABSENT) {
+                m_problems.push_back(name + ": message " + offered.message->getName() +
+                                     " is off: " + offered.availability.reason);
+            }
+        }
+    }
+}
+
+/// What a collector brings along itself, each message with its metric.
+std::vector<MessageSet::Declared> MessageSet::ownDeclarations_i(CollectorPlugin& collector) {
+    std::vector<std::unique_ptr<pwr::Metadata>> declarations;
+    if (collector.declare(declarations) != 0) {
+        m_problems.push_back(collector.getName() + ": its messages could not be declared");
+        return {};
+    }
+    std::map<pw_u32_t, const pwr::MetricMetadata*> metrics; // by the collector's own numbers
+    std::vector<Declared> declared;
+    for (std::unique_ptr<pwr::Metadata>& declaration : declarations) {
+        if (const auto* metric = dynamic_cast<const pwr::MetricMetadata*>(declaration.get())) {
+            metrics.emplace(metric->getMetricID(), metric);
+        }
+    }
     for (std::unique_ptr<pwr::Metadata>& declaration : declarations) {
         auto* message = dynamic_cast<pwr::MsgMetadata*>(declaration.get());
-        if (message == nullptr || features.count(message->getCapName()) == 0) {
+        if (message == nullptr) {
             continue;
         }
-        const auto [metric, isNew] = metricIds.try_emplace(message->getMetricID(), m_metricCount + 1);
-        m_metricCount += isNew ? 1 : 0;
-        message->setIDs(collectorId, metric->second, ++m_messageCount);
-        messages.push_back(message);
-        m_declarations.push_back(std::move(declaration));
-    }
-    for (std::unique_ptr<pwr::Metadata>& declaration : declarations) {
-        auto* metric = dynamic_cast<pwr::MetricMetadata*>(declaration.get());
-        if (metric == nullptr) {
-            continue;
-        }
-        const auto known = metricIds.find(metric->getMetricID());
-        if (known != metricIds.end()) {
-            metric->setIDs(collectorId, known->second);
-            m_declarations.push_back(std::move(declaration));
+        static_cast<void>(declaration.release());
+        Declared& made = declared.emplace_back();
+        made.message.reset(message);
+        const auto metric = metrics.find(message->getMetricID());
+        if (metric != metrics.end()) {
+            made.metric = std::make_unique<pwr::MetricMetadata>(0, 0, metric->second->getValues());
         }
     }
+    return declared;
+}
+
+/// Gives the messages of one collector the host's numbers, and opens them.
+int MessageSet::adopt_i(CollectorPlugin* collector, std::vector<Declared> declared, bool isLive) {
+    const unsigned collectorId = ++m_collectorCount;
+    std::vector<std::pair<const pwr::MsgMetadata*, const pwr::InputMsg*>> messages;
+    std::vector<std::unique_ptr<pwr::Metadata>> metrics;
+    for (Declared& one : declared) {
+        const unsigned metricId = one.metric == nullptr ? 0 : ++m_metricCount;
+        one.message->setIDs(collectorId, metricId, ++m_messageCount);
+        messages.emplace_back(one.message.get(), one.input);
+        m_declarations.push_back(std::move(one.message));
+        if (one.metric != nullptr) {
+            one.metric->setIDs(collectorId, metricId);
+            metrics.push_back(std::move(one.metric));
+        }
+    }
+    std::move(metrics.begin(), metrics.end(), std::back_inserter(m_declarations));
     if (collectorId > kHighestId || m_metricCount > kHighestId || m_messageCount > kHighestId) {
         m_problems.push_back("more than 255 collectors, metrics or messages: choose fewer with --feature");
         return 1;
     }
-    for (const pwr::MsgMetadata* message : messages) {
-        open_i(collector, *message);
+    for (const auto& [message, input] : messages) {
+        open_i(collector, *message, input, isLive);
     }
     return 0;
 }
 
-void MessageSet::open_i(CollectorPlugin* collector, const pwr::MsgMetadata& metadata) {
+void MessageSet::open_i(CollectorPlugin* collector, const pwr::MsgMetadata& metadata,
+                        const pwr::InputMsg* input, bool isLive) {
     auto message = std::make_unique<Message>();
     message->collector = collector;
     message->metadata = &metadata;
-    if (collector->open(metadata, message->instances) != 0) {
+    message->written = input != nullptr && !isRead(*input) ? input : nullptr;
+    message->processor = -1;
+    if (input != nullptr && isLive) {
+        readProcessor(*input, message->processor);
+    }
+    bool isOpen = true;
+    if (message->processor >= 0 &&
+        !pwr::platform::ProcessorVisit(static_cast<unsigned>(message->processor)).isThere()) {
+        message->instances.reason = "message " + metadata.getMsgName() + ": processor " +
+                                    std::to_string(message->processor) +
+                                    " is not there, or not for this program";
+        isOpen = false;
+    } else if (message->written == nullptr) {
+        isOpen = collector->open(metadata, message->instances) == 0;
+    }
+    if (!isOpen) {
         const MessageInstances& why = message->instances;
         m_failures.push_back({metadata.getCapName(), why.reason, why.fix});
         m_problems.push_back(metadata.getCapName() + ": " + why.reason +
@@ -98,7 +193,9 @@ std::vector<AnnouncedMessage> MessageSet::announced() const {
     std::vector<AnnouncedMessage> all;
     all.reserve(m_messages.size());
     for (const std::unique_ptr<Message>& message : m_messages) {
-        all.push_back({message->metadata, &message->instances});
+        if (message->written == nullptr) {
+            all.push_back({message->metadata, &message->instances});
+        }
     }
     return all;
 }
@@ -118,10 +215,11 @@ const std::vector<const CollectionData*>& MessageSet::read(const std::string& tr
         if (message->metadata->getTriggers().count(trigger) == 0) {
             continue;
         }
-        message->data.clear();
-        message->data.header().id = idOf_i(*message->metadata);
-        if (message->collector->read(*message->metadata, message->data) != 0) {
+        if (!execute_i(*message)) {
             ++m_failedReads;
+            continue;
+        }
+        if (message->written != nullptr) {
             continue;
         }
         pwr::dropMeaninglessDigits(message->data.header());
@@ -129,6 +227,24 @@ const std::vector<const CollectionData*>& MessageSet::read(const std::string& tr
         m_round.push_back(&message->data);
     }
     return m_round;
+}
+
+/// Carries a message out, on the processor that it names. What cannot go there is not carried out elsewhere: it would
+/// give the counters of another processor.
+bool MessageSet::execute_i(Message& message) {
+    std::optional<pwr::platform::ProcessorVisit> visit;
+    if (message.processor >= 0) {
+        visit.emplace(static_cast<unsigned>(message.processor));
+        if (!visit->isThere()) {
+            return false;
+        }
+    }
+    if (message.written != nullptr) {
+        return message.written->execute({}) == 0;
+    }
+    message.data.clear();
+    message.data.header().id = idOf_i(*message.metadata);
+    return message.collector->read(*message.metadata, message.data) == 0;
 }
 
 void MessageSet::count_i(const CollectionData& data) {
@@ -139,7 +255,9 @@ void MessageSet::count_i(const CollectionData& data) {
 
 void MessageSet::close() {
     for (const std::unique_ptr<Message>& message : m_messages) {
-        message->collector->close(*message->metadata);
+        if (message->written == nullptr) {
+            message->collector->close(*message->metadata);
+        }
     }
 }
 

@@ -13,10 +13,14 @@
 class CollectorPlugin;
 
 namespace pwr {
+class InputMsg;
 class Metadata;
-}
+class MetricMetadata;
+} // namespace pwr
 
 namespace tarnwell {
+
+class HardwareDescription;
 
 /// Why a message could not be opened.
 struct OpenFailure {
@@ -25,8 +29,8 @@ struct OpenFailure {
     std::string fix;
 };
 
-/// The messages that one collection executes: declared by the collectors, numbered by the host, and opened.
-/// Owns the declarations, which everything else refers to.
+/// The messages that one collection executes: declared by the hardware description (or by collectors themselves),
+/// numbered by the host, and opened. Owns the declarations, which everything else refers to.
 class MessageSet {
 public:
     MessageSet();
@@ -34,16 +38,19 @@ public:
     MessageSet& operator=(const MessageSet&) = delete;
     ~MessageSet();
 
-    /// Declares and opens the messages of the chosen features. 0; or 1 and a text in problems() when
-    /// there are more than the ids can number. A message that cannot be opened is a problem and left out.
-    int open(const std::vector<CollectorPlugin*>& collectors, const std::set<std::string>& features);
+    /// Takes over and opens the messages of the chosen features. 0; or 1 and a text in problems() when there are more
+    /// than the ids can number. A message that cannot be opened is a problem and left out. On the running machine
+    /// (@p isLive) messages are carried out on the processors that they name.
+    int open(const std::vector<CollectorPlugin*>& collectors, const HardwareDescription& description,
+             const std::set<std::string>& features, bool isLive);
 
     /// All declarations, and the messages that could be opened, in the order of their numbers.
     std::vector<const pwr::Metadata*> declarations() const;
     std::vector<AnnouncedMessage> announced() const;
 
-    /// Executes every message that has the trigger. The readings are valid until the next call. All are taken before
-    /// the first is used, so that they lie as close together in time as the collectors allow.
+    /// Executes every message that has the trigger. The readings are valid until the next call, those of INIT until the
+    /// end, because no other trigger goes with it. All are taken before the first is used, so that they lie as close
+    /// together in time as the collectors allow.
     const std::vector<const CollectionData*>& read(const std::string& trigger);
 
     /// Ends the reading: releases what the collectors hold.
@@ -61,13 +68,25 @@ private:
     struct Message {
         CollectorPlugin* collector;
         const pwr::MsgMetadata* metadata;
+        const pwr::InputMsg* written; ///< to be written, not read; null for others
+        int processor;                ///< that it is carried out on; -1 for any
         MessageInstances instances;
         CollectionData data;
     };
 
-    int adopt_i(CollectorPlugin* collector, std::vector<std::unique_ptr<pwr::Metadata>> declarations,
-                const std::set<std::string>& features);
-    void open_i(CollectorPlugin* collector, const pwr::MsgMetadata& metadata);
+    /// A message with its metric, before it is opened. Without a metric its readings are only saved.
+    struct Declared {
+        std::unique_ptr<pwr::MsgMetadata> message;
+        std::unique_ptr<pwr::MetricMetadata> metric;
+        const pwr::InputMsg* input = nullptr; ///< the description's; null for a collector's own
+    };
+
+    std::vector<Declared> ownDeclarations_i(CollectorPlugin& collector);
+    int adopt_i(CollectorPlugin* collector, std::vector<Declared> declared, bool isLive);
+    void open_i(CollectorPlugin* collector, const pwr::MsgMetadata& metadata, const pwr::InputMsg* input,
+                bool isLive);
+    bool execute_i(Message& message);
+    void noteUnserved_i(const HardwareDescription& description, const std::set<std::string>& features);
     void count_i(const CollectionData& data);
     static id_config_t idOf_i(const pwr::MsgMetadata& metadata);
 

@@ -1,12 +1,6 @@
 #include "tarnwell/output_configuration.h"
 
 #include "common/config/writer_interface_configfile_parser.h"
-#include "common/platform/file.h"
-#include "common/pw_utils.h"
-#include "tarnwell/complaints.h"
-
-#include <fstream>
-#include <iterator>
 
 namespace tarnwell {
 
@@ -14,31 +8,28 @@ OutputConfiguration::~OutputConfiguration() {
     pwr::WriterInterfaceConfigFileParser::destroy();
 }
 
-int OutputConfiguration::readFiles(const std::vector<std::string>& files, const std::string& libraryFolder) {
+int OutputConfiguration::readFiles(const std::vector<std::string>& files, const std::string& libraryFolder,
+                                   const std::vector<std::string>& more) {
     std::vector<std::string> used = files;
     if (used.empty()) {
-        const std::string shipped = libraryFolder + "config/output/*.cfg";
-        used = pwr::doGlob(shipped);
-        if (used.empty()) {
-            complain({"there is no " + shipped + ": tables have neither titles nor order"});
-        }
+        used = shippedFiles(libraryFolder, "output", "tables have neither titles nor order");
     }
+    used.insert(used.end(), more.begin(), more.end());
     for (const std::string& path : used) {
-        std::ifstream file(pwr::platform::nativePath(path), std::ios::binary);
-        m_texts.emplace_back(
-            pwr::PathOps::getFilenameFromPath(pwr::PathOps::normalizePathSeparator(path)),
-            std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()));
+        m_texts.push_back(namedText(path));
     }
     return pwr::WriterInterfaceConfigFileParser::instance()->parse(used);
 }
 
-int OutputConfiguration::readTexts(const ConfigurationTexts& texts) {
-    m_texts = texts;
+int OutputConfiguration::readTexts(const ConfigurationTexts& texts, const std::vector<std::string>& more) {
     int result = 0;
     for (const auto& [name, text] : texts) {
-        result |= pwr::WriterInterfaceConfigFileParser::instance()->parseText(name, text);
+        if (!name.starts_with(kHardwareTextPrefix)) {
+            m_texts.emplace_back(name, text);
+            result |= pwr::WriterInterfaceConfigFileParser::instance()->parseText(name, text);
+        }
     }
-    return result;
+    return result | (more.empty() ? 0 : pwr::WriterInterfaceConfigFileParser::instance()->parse(more));
 }
 
 } // namespace tarnwell

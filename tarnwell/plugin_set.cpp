@@ -3,6 +3,7 @@
 #include "common/machine_files.h"
 #include "common/plugin/collector_plugin.h"
 #include "common/plugin/metric_plugin.h"
+#include "common/pw_utils.h"
 #include "common/writer/writer_plugin.h"
 #include "tarnwell/settings.h"
 #include "tarnwell/terminal.h"
@@ -10,6 +11,14 @@
 #include <algorithm>
 
 namespace tarnwell {
+namespace {
+
+std::string stemOf(const std::string& path) {
+    const std::string name = pwr::PathOps::getFilenameFromPath(path);
+    return name.substr(0, name.rfind('.'));
+}
+
+} // namespace
 
 std::unique_ptr<pwr::MachineFiles> openChosenMachine(const Settings& settings, std::string& reason) {
     auto machine = pwr::openMachine(settings.machine, reason);
@@ -59,6 +68,27 @@ std::string PluginSet::missingKind(bool collects) const {
     return kind == nullptr ? std::string()
                            : "there is no " + std::string(kind) + " plug-in in " + m_folder +
                                  ": is the installation complete?";
+}
+
+MessageAvailability PluginSet::whyNotServed(const std::string& collectorType) const {
+    using State = MessageAvailability::State;
+    MessageAvailability why{State::ABSENT, "no plug-in collects " + collectorType, {}};
+    for (const auto& [name, manifest] : m_loader.getManifests()) {
+        if (manifest.types.count(collectorType) == 0) {
+            continue;
+        }
+        if (!manifest.isForThisSystem()) {
+            return {State::NOT_HERE, {}, {}};
+        }
+        why.reason = "plug-in " + name + " is not there";
+        why.fix = "install it in " + m_folder;
+        for (const pwr::PluginFile& file : m_loader.getFiles()) {
+            if (!file.error.empty() && stemOf(file.path) == name) {
+                why = {State::ABSENT, file.error, {}};
+            }
+        }
+    }
+    return why;
 }
 
 std::string PluginSet::versionOf(const Plugin& plugin) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/plugin/collector_plugin.h"
 #include "common/plugin/plugin_loader.h"
 
 #include <memory>
@@ -8,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-class CollectorPlugin;
 class MetricPlugin;
 class WriterPlugin;
 
@@ -48,6 +48,9 @@ public:
     /// Why nothing can be reported, or, when it @p collects, collected: a kind of plug-in that is missing.
     /// "" when all are there.
     std::string missingKind(bool collects) const;
+
+    /// Why no collector serves a type: its plug-in could not be loaded, or is for other systems.
+    MessageAvailability whyNotServed(const std::string& collectorType) const;
 
     /// The version of the library that a plug-in was built with.
     std::string versionOf(const Plugin& plugin) const;

@@ -30,6 +30,11 @@ using pwr::saved::CollectionReader;
 constexpr std::uint64_t kReadingsBetweenLooks = 4096;
 constexpr std::size_t kMostDamageNotes = 20;
 
+/// Whether a message belongs to the feature, or to a feature of the group, that a name asks for.
+bool isNamed(const pwr::MsgMetadata& message, const std::string& name) {
+    return message.getCapName() == name || message.getCapGroups().count(name) != 0;
+}
+
 /// The counterpart of the live run: the same computation, fed from a file.
 class ReplayRun {
 public:
@@ -75,7 +80,7 @@ private:
         const auto messages = m_messages.all();
         for (const std::string& name : m_settings.features) {
             const bool isHeld = std::any_of(messages.begin(), messages.end(), [&](const auto* message) {
-                return message->metadata->getCapName() == name;
+                return isNamed(*message->metadata, name);
             });
             const Feature* feature = features.find(name);
             if (isHeld) {
@@ -93,15 +98,18 @@ private:
     }
 
     int readOutputConfiguration_i() {
+        const auto& more = m_settings.moreOutputConfig;
         if (m_settings.outputConfig.empty() && !m_reader.configurations().empty()) {
-            return m_configuration.readTexts(m_reader.configurations());
+            return m_configuration.readTexts(m_reader.configurations(), more);
         }
-        return m_configuration.readFiles(m_settings.outputConfig, m_environment.folder());
+        return m_configuration.readFiles(m_settings.outputConfig, m_environment.folder(), more);
     }
 
     bool isChosen_i(const pwr::MsgMetadata& message) const {
         const auto& names = m_settings.features;
-        return names.empty() || std::find(names.begin(), names.end(), message.getCapName()) != names.end();
+        return names.empty() || std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+                   return isNamed(message, name);
+               });
     }
 
     /// Everything is declared, also what was not chosen: a declaration without instances gives no table.

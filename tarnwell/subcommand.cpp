@@ -1,5 +1,6 @@
 #include "tarnwell/subcommand.h"
 
+#include "tarnwell/check_config.h"
 #include "tarnwell/doctor.h"
 #include "tarnwell/export.h"
 #include "tarnwell/info.h"
@@ -16,6 +17,8 @@ const std::vector<Subcommand>& subcommands() {
         {"info", "say what a saved collection holds, and where it is from", &declareInfo, &runInfo},
         {"verify", "read a saved collection to its end and say what is damaged", &declareVerify, &runVerify},
         {"repair", "copy what is intact of a saved collection into a new file", &declareRepair, &runRepair},
+        {"check-config", "say everything that is wrong with configuration files", &declareCheckConfig,
+         &runCheckConfig},
         {"export", "write the raw samples of a saved collection as text", &declareExport, &runExport},
     };
     return rows;

@@ -16,19 +16,6 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-bool readWholeFile(const std::string& path, std::string& text) {
-    const std::unique_ptr<std::FILE, FileCloser> file(openFileHandle(path, "rb"));
-    if (file == nullptr) {
-        return false;
-    }
-    std::array<char, 65536> chunk;
-    std::size_t size = 0;
-    while ((size = std::fread(chunk.data(), 1, chunk.size(), file.get())) > 0) {
-        text.append(chunk.data(), size);
-    }
-    return std::ferror(file.get()) == 0; // a folder, for example, opens but cannot be read
-}
-
 int handleStatement(const Statement& statement, const StatementHandler& handler, std::string& problem) {
     try {
         return handler(statement, problem);
@@ -46,9 +33,22 @@ void reportLine(const Statement& statement, const std::string& fileName, const s
 
 } // namespace
 
+bool readConfigFileText(const std::string& path, std::string& text) {
+    const std::unique_ptr<std::FILE, FileCloser> file(openFileHandle(path, "rb"));
+    if (file == nullptr) {
+        return false;
+    }
+    std::array<char, 65536> chunk;
+    std::size_t size = 0;
+    while ((size = std::fread(chunk.data(), 1, chunk.size(), file.get())) > 0) {
+        text.append(chunk.data(), size);
+    }
+    return std::ferror(file.get()) == 0; // a folder, for example, opens but cannot be read
+}
+
 int readConfigFile(const std::string& path, const StatementHandler& handler) {
     std::string text;
-    if (!readWholeFile(path, text)) {
+    if (!readConfigFileText(path, text)) {
         logError("Error opening config file %s\n", path.c_str());
         return -1;
     }

@@ -21,4 +21,7 @@ KRCOMMON_API int readConfigFile(const std::string& path, const StatementHandler&
 KRCOMMON_API int readConfigText(const std::string& name, std::string_view text,
                                 const StatementHandler& handler);
 
+/// Appends all bytes of a file; false when it cannot be opened or read.
+KRCOMMON_API bool readConfigFileText(const std::string& path, std::string& text);
+
 } // namespace pwr

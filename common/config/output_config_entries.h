@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-
 #include <functional>
 #include <map>
 #include <set>
@@ -11,16 +9,9 @@
 #include <vector>
 
 #include "common/config/table_info.h"
+#include "common/config/text_hash.h"
 
 namespace pwr {
-
-/// Looks texts up in hashed containers without making strings of them.
-struct TextHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const noexcept {
-        return std::hash<std::string_view>()(text);
-    }
-};
 
 /// Names in the order in which they were first added.
 struct OrderedNames {

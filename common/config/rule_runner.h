@@ -76,6 +76,8 @@ public:
         return result;
     }
 
+    const char* getName(RuleId rule) const { return m_rules[static_cast<std::size_t>(rule)].name; }
+
 private:
     const char* m_traceTag;
     std::array<Rule<Grammar>, COUNT> m_rules;

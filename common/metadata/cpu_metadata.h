@@ -55,6 +55,11 @@ public:
     /// As the base says. A broken topology fails the object too: what stands behind it is not found.
     int deserializePlatformMetadata(Serializer& in) override;
 
+protected:
+    /// "family.model.stepping", unless there are specifier values. Also gives the processor a code name (metadata
+    /// value "CODE-NAME") and its display name, where they are missing.
+    int initAndGetValue_i(const SystemMetadata& system, std::vector<std::string>& values) override;
+
 private:
     std::tuple<pw_u8_t, pw_u8_t, pw_u8_t> fms_i() const { return {m_family, m_model, m_stepping}; }
 

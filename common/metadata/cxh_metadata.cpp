@@ -43,7 +43,7 @@ std::map<std::string, pw_u32_t> valuesOf(const std::vector<CXHMetadata::Register
 
 } // namespace
 
-CXHMetadata::CXHMetadata() : PlatformMetadata("CXH") {}
+CXHMetadata::CXHMetadata() : PlatformMetadata("PCI") {}
 
 void CXHMetadata::addRegisterEntry(pw_u16_t registerId, pw_u32_t value) {
     m_registers.emplace_back(registerId, value);

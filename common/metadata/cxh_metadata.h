@@ -44,6 +44,15 @@ public:
     void serializePlatformMetadata(Serializer& out) const override;
     int deserializePlatformMetadata(Serializer& in) override;
 
+    /// Takes "VENDOR=0x1,DEVICE=0x2" for the chipset in place of the machine's devices. False and a warning for
+    /// any other text; nothing is changed then.
+    bool setSpoofedCXH(const std::string& text);
+
+protected:
+    /// All PCI devices of the machine, unless there are specifier values: which of them is the chipset, the hardware
+    /// description knows.
+    int initAndGetValue_i(const SystemMetadata& system, std::vector<std::string>& values) override;
+
 private:
     std::vector<RegisterEntry> m_registers;
 };

@@ -3,6 +3,7 @@
 #include "common/export.h"
 #include "common/pw_types.h"
 
+#include <list>
 #include <map>
 #include <string>
 #include <vector>
@@ -10,6 +11,8 @@
 namespace pwr {
 
 class Serializer;
+class SystemMetadata;
+class TWConfigFileParser;
 
 /// What kind of platform object stands behind a number of a saved collection. Persistent: never renumber.
 enum class PlatformType : pw_u16_t { GENERIC = 0, CPU = 1, CXH = 2 };
@@ -56,6 +59,18 @@ public:
     /// Reads the object in place of what it holds; all texts may be empty. 0, or 1 when something is
     /// missing; what was read until then stays.
     virtual int deserializePlatformMetadata(Serializer& in);
+
+    /// Appends the names of the platforms of the hardware description that the machine's values select, each once,
+    /// and notes whether one was found. 0, or 1 when none was.
+    virtual int getPlatformNames(TWConfigFileParser* parser, std::list<std::string>& names,
+                                 SystemMetadata& system);
+    /// Whether getPlatformNames() warns when nothing fits: only where a collection needs the platform.
+    virtual bool shouldPrintMessageOnNoMatch() const;
+
+protected:
+    /// The values to be matched, in order of finding; what is not known yet is looked up in the record of the
+    /// machine. 0, or 1 when there is none.
+    virtual int initAndGetValue_i(const SystemMetadata& system, std::vector<std::string>& values);
 
 private:
     std::string m_specifierType;

@@ -2,6 +2,12 @@
 
 #include "common/export.h"
 #include "common/metadata/platform_metadata.h"
+#include "common/pw_types.h"
+
+#include <list>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace pwr {
 
@@ -11,6 +17,25 @@ namespace pwr {
 class KRCOMMON_API TAFMetadata : public PlatformMetadata {
 public:
     TAFMetadata();
+
+    /// Takes these GUIDs, numbers separated by ",", in place of the machine's. False and an error when one is no
+    /// number; nothing is changed then.
+    bool setTAF(const std::string& text);
+
+    /// Also warns of GUIDs that a platform is described with and that the machine lacks.
+    int getPlatformNames(TWConfigFileParser* parser, std::list<std::string>& names,
+                         SystemMetadata& system) override;
+    /// Only a machine with telemetry can lack its description.
+    bool shouldPrintMessageOnNoMatch() const override;
+
+protected:
+    /// "GUID=0x1" for each GUID of the loaded endpoints, the emulated ones in place of the real ones.
+    int initAndGetValue_i(const SystemMetadata& system, std::vector<std::string>& values) override;
+
+private:
+    void retrieveGUIDs_i();
+
+    std::set<pw_u32_t> m_guids;
 };
 
 } // namespace pwr

@@ -24,4 +24,7 @@ KRCOMMON_API void* findSymbol(void* module, const char* name);
 /// What the file names of modules end in: ".so" or ".dll".
 KRCOMMON_API const char* moduleSuffix();
 
+/// The word by which manifests name the running system: "linux" or "windows".
+KRCOMMON_API const char* systemWord();
+
 } // namespace pwr::platform

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -20,6 +23,9 @@ public:
 
     /// Reads all bytes into `out`, whose capacity is reused; `out` is empty on failure.
     int readAll(std::string& out);
+
+    /// Reads bytes from an offset on. Fewer are no error: `got` says how many there were.
+    int readAt(std::uint64_t offset, std::span<char> bytes, std::size_t& got);
 
 private:
     int m_descriptor = -1;

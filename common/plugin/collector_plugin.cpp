@@ -46,3 +46,7 @@ int CollectorPlugin::doImmediateRead(const pwr::InputMsg* /*message*/,
 int CollectorPlugin::doImmediateWrite(const pwr::InputMsg* /*message*/) {
     return refuse(*this, "write");
 }
+
+MessageAvailability CollectorPlugin::probe(const pwr::MsgMetadata& /*message*/) {
+    return {};
+}

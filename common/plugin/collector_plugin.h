@@ -18,6 +18,19 @@ class Operation;
 class TWClockSource;
 } // namespace pwr
 
+/// Whether a message can be collected on this machine. Reason and fix are sentences for the user.
+struct MessageAvailability {
+    enum class State : std::uint8_t {
+        AVAILABLE,
+        ABSENT,   ///< nothing of it is here; without a reason, the message's own (ABSENT-REASON) is told
+        NOT_HERE, ///< the collector has nothing to do with this machine, and nobody is told of the message
+        INVALID   ///< the message's keys cannot be understood: an error of the hardware description
+    };
+    State state = State::AVAILABLE;
+    std::string reason;
+    std::string fix;
+};
+
 /// Reads counters of the machine. The host declares the messages, opens each, then has them read when
 /// their triggers say so.
 /// Threads: the host's thread, except read() and drain(), which may be called on a thread of their
@@ -60,4 +73,8 @@ public:
     virtual int doImmediateRead(const pwr::InputMsg* message,
                                 const std::vector<std::pair<std::string, std::string>>& values);
     virtual int doImmediateWrite(const pwr::InputMsg* message);
+
+    /// Whether a message could be opened now. Asked of messages that nobody collects in the end, so it makes no
+    /// handles and takes nothing. The base takes everything for available: open() has the last word.
+    virtual MessageAvailability probe(const pwr::MsgMetadata& message);
 };

@@ -1,7 +1,11 @@
 #include "common/plugin/plugin_loader.h"
 
+#include "common/config/config_text_reader.h"
+#include "common/config/tw_configfile_parser.h"
+#include "common/platform/file.h"
 #include "common/platform/module.h"
 #include "common/platform/raw_file.h"
+#include "common/plugin/collector_plugin.h"
 #include "common/plugin/logger.h"
 #include "common/pw_utils.h"
 #include "common/values/data.h"
@@ -101,6 +105,43 @@ bool endsWith(const std::string& name, const std::string& suffix) {
            name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
+constexpr const char* MANIFEST_SUFFIX = ".manifest";
+
+std::string joined(const std::set<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : ", ") + word;
+    }
+    return text.empty() ? "none" : text;
+}
+
+std::set<std::string> typesOf(const CollectorPlugin& collector) {
+    const std::vector<std::string> types = collector.getCollectorTypes();
+    return {types.begin(), types.end()};
+}
+
+/// Tells the parser whom the types belong to; the first type that it refuses, or "".
+std::string registerCollector(Plugin& plugin) {
+    auto* const collector = dynamic_cast<CollectorPlugin*>(&plugin);
+    if (collector == nullptr) {
+        return {};
+    }
+    for (const std::string& type : typesOf(*collector)) {
+        if (TWConfigFileParser::instance()->registerCollectorType(type, collector) != 0) {
+            TWConfigFileParser::instance()->forgetCollector(collector);
+            return type;
+        }
+    }
+    return {};
+}
+
+void forgetCollector(const Plugin& plugin) {
+    const auto* const collector = dynamic_cast<const CollectorPlugin*>(&plugin);
+    if (collector != nullptr && TWConfigFileParser::current() != nullptr) {
+        TWConfigFileParser::current()->forgetCollector(collector);
+    }
+}
+
 } // namespace
 
 PluginLoader::PluginLoader() = default;
@@ -117,6 +158,11 @@ int PluginLoader::loadFolder(const std::string& folder) {
     std::sort(names.begin(), names.end());
     int result = 0;
     for (const std::string& name : names) {
+        if (endsWith(name, MANIFEST_SUFFIX) && !readManifest_i(folder + PathOps::getPathSeparator() + name)) {
+            result = 1;
+        }
+    }
+    for (const std::string& name : names) {
         if (endsWith(name, platform::moduleSuffix()) &&
             loadFile(folder + PathOps::getPathSeparator() + name) != 0) {
             result = 1;
@@ -125,10 +171,36 @@ int PluginLoader::loadFolder(const std::string& folder) {
     return result;
 }
 
-int PluginLoader::loadFile(const std::string& path) {
+bool PluginLoader::readManifest_i(const std::string& path) {
+    const std::string name = stemOf(path);
+    std::string text;
+    std::string error;
+    PluginManifest manifest;
+    if (!readConfigFileText(path, text)) {
+        error = "its manifest " + path + " cannot be read";
+    } else if (manifest.parse(name, text, error) == 0) {
+        for (const auto& [type, categories] : manifest.types) {
+            TWConfigFileParser::instance()->registerCollectorType(type, nullptr, categories);
+        }
+        m_manifests.insert_or_assign(name, std::move(manifest));
+        return true;
+    }
     PluginFile& file = m_files.emplace_back();
     file.path = path;
-    file.name = stemOf(path);
+    file.name = name;
+    file.error = "plug-in " + name + ": " + error;
+    return false;
+}
+
+int PluginLoader::loadFile(const std::string& path) {
+    const std::string stem = stemOf(path);
+    const std::string manifest = path.substr(0, path.rfind('.')) + MANIFEST_SUFFIX;
+    if (m_manifests.count(stem) == 0 && platform::pathExists(manifest)) {
+        readManifest_i(manifest);
+    }
+    PluginFile& file = m_files.emplace_back();
+    file.path = path;
+    file.name = stem;
     if (load_i(file)) {
         return 0;
     }
@@ -150,8 +222,20 @@ bool PluginLoader::load_i(PluginFile& file) const {
     file.name = info->name;
     file.libraryVersion = info->libraryVersion == nullptr ? "" : info->libraryVersion;
     file.kind = info->kind;
+    if (!create_i(file, *info) || !checkManifest_i(file, stemOf(file.path))) {
+        return false;
+    }
+    if (const std::string type = registerCollector(*file.plugin); !type.empty()) {
+        file.error = "its collector type " + type + " is served by another plug-in or is no word for one";
+        return false;
+    }
+    return true;
+}
+
+/// Makes the object, gives it its options and initialises it.
+bool PluginLoader::create_i(PluginFile& file, const KRPluginInfo& info) const {
     if (!callGuarded("create", file.error, [&] {
-            file.plugin.reset(info->create());
+            file.plugin.reset(info.create());
             return 0;
         })) {
         return false;
@@ -170,10 +254,42 @@ bool PluginLoader::load_i(PluginFile& file) const {
            callGuarded("initialize", file.error, [&] { return file.plugin->initialize(); });
 }
 
+/// Whether the module is what its manifest says, which others have gone by already.
+bool PluginLoader::checkManifest_i(PluginFile& file, const std::string& stem) const {
+    const auto manifest = m_manifests.find(stem);
+    if (manifest == m_manifests.end()) {
+        return true;
+    }
+    if (manifest->second.kind != file.kind) {
+        file.error = "its manifest names another kind of plug-in";
+        return false;
+    }
+    std::set<std::string> declared;
+    for (const auto& [type, categories] : manifest->second.types) {
+        declared.insert(type);
+    }
+    std::set<std::string> served;
+    const auto* const collector = dynamic_cast<const CollectorPlugin*>(file.plugin.get());
+    if (collector != nullptr && !callGuarded("getCollectorTypes", file.error, [&] {
+            served = typesOf(*collector);
+            return 0;
+        })) {
+        return false;
+    }
+    if (served != declared) {
+        file.error = "it serves the collector types " + joined(served) + ", its manifest names " +
+                     joined(declared) + ": install both from one release";
+    }
+    return served == declared;
+}
+
 void PluginLoader::unload() {
     while (!m_files.empty()) {
         PluginFile& file = m_files.back();
         std::string error;
+        if (file.plugin) {
+            forgetCollector(*file.plugin);
+        }
         if (file.plugin && !callGuarded("shutdown", error, [&] { return file.plugin->shutdown(); })) {
             logWarning("WARNING: plug-in %s: %s\n", file.name.c_str(), error.c_str());
         }

@@ -2,11 +2,13 @@
 
 #include "common/export.h"
 #include "common/plugin/plugin.h"
+#include "common/plugin/plugin_manifest.h"
 #include "common/version.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,7 +16,7 @@
 #include <vector>
 
 /// Raised whenever a plug-in built against the headers of before could no longer work.
-inline constexpr std::uint32_t KR_PLUGIN_INTERFACE_VERSION = 1;
+inline constexpr std::uint32_t KR_PLUGIN_INTERFACE_VERSION = 2;
 
 /// What a module holds. Persistent: never renumber.
 inline constexpr std::uint32_t KR_PLUGIN_COLLECTOR = 1;
@@ -88,6 +90,8 @@ struct PluginFile {
 
 /// Loads plug-in modules and owns the objects that they make. A module that is missing something, was
 /// built for another interface or throws is an entry with an error text: the others go on.
+/// The hardware description's parser gets to know the collector types of all manifests, and the collector of each
+/// type once its module is loaded; unload() makes it forget the collectors again.
 /// Modules stay loaded for the life of the process, because handles and formatters have their code in
 /// them. Threads: the host's thread. Objects are shut down and destroyed in reverse order of loading.
 class KRCOMMON_API PluginLoader {
@@ -101,14 +105,17 @@ public:
     /// what a plug-in offers may depend on it. A plug-in that does not know the key is not asked again.
     void setOption(const std::string& key, const std::string& value) { m_options.emplace_back(key, value); }
 
-    /// Loads every module of a folder, in order of file names, and initialises each. 1 when the folder
-    /// cannot be listed or any module failed.
+    /// Reads all manifests of a folder, then loads every module in order of file names, and initialises each. 1 when
+    /// the folder cannot be listed or anything failed.
     int loadFolder(const std::string& folder);
-    /// Loads one module. 1 when it failed; its entry tells why.
+    /// Loads one module; its manifest lies beside it. 1 when it failed; its entry tells why. A collector without a
+    /// manifest brings its types along; one with a manifest must serve exactly those that stand there.
     int loadFile(const std::string& path);
 
     /// All files in order of loading, failed ones included.
     const std::vector<PluginFile>& getFiles() const { return m_files; }
+    /// The manifests by the names of their files, with or without a module.
+    const std::map<std::string, PluginManifest>& getManifests() const { return m_manifests; }
     /// The loaded plug-ins of one class (CollectorPlugin, MetricPlugin, WriterPlugin), in order.
     template <typename PluginClass> std::vector<PluginClass*> getPlugins() const {
         std::vector<PluginClass*> found;
@@ -124,9 +131,13 @@ public:
     void unload();
 
 private:
+    bool readManifest_i(const std::string& path);
     bool load_i(PluginFile& file) const;
+    bool create_i(PluginFile& file, const KRPluginInfo& info) const;
+    bool checkManifest_i(PluginFile& file, const std::string& stem) const;
 
     std::vector<std::pair<std::string, std::string>> m_options;
+    std::map<std::string, PluginManifest> m_manifests;
     std::vector<PluginFile> m_files;
 };
 

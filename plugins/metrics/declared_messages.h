@@ -10,7 +10,7 @@
 #include "common/metadata/metadata.h"
 #include "common/metadata/msg_metadata.h"
 #include "common/plugin/collection_data.h"
-#include "plugins/metrics/metric_declaration.h"
+#include "common/metrics/metric_declaration.h"
 
 namespace pwr {
 

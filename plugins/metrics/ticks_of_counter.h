@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include "plugins/metrics/metric_declaration.h"
+#include "common/metrics/metric_declaration.h"
 
 namespace pwr {
 

@@ -168,44 +168,40 @@ TEST_F(TextFilesTest, unusedDevicesAreLeftOut) {
     EXPECT_EQ("loop1=3 sda=0", read(*message));
 }
 
-TEST_F(TextFilesTest, machinesOfferWhatTheyHave) {
+TEST_F(TextFilesTest, availabilityIsToldWithoutOpening) {
     loadRecorded("no_idle_states");
-    EXPECT_EQ("idle: the kernel offers no idle states (/sys/devices/system/cpu/cpu*/cpuidle) (use a kernel "
-              "with cpuidle; "
-              "a virtual machine must be given idle states by its host)\n"
-              "cpu: yes\n"
-              "network: yes\n"
-              "disk: /sys/block/vda/stat may not be read (run as root, or let this user read that file)\n"
-              "interrupts: yes\n"
-              "frequency: neither cpufreq files (/sys/devices/system/cpu/cpu*/cpufreq) nor a frequency in "
-              "/proc/cpuinfo "
-              "(load the driver for the processor's frequency control; virtual machines usually have none)\n"
-              "temperature: no sensors in /sys/class/hwmon or /sys/class/thermal (load the drivers of the "
-              "machine's "
-              "sensors; virtual machines usually have none)\n"
-              "memory: yes\n",
-              capabilities());
-    EXPECT_EQ(nullptr, openDeclared("IDLE-TIME")) << "what is not there is not declared";
-    EXPECT_NE(nullptr, openDeclared("CPU-TIME"));
+    for (const auto& [message, seen] : std::vector<std::pair<std::string, std::string>>{
+             {"IDLE-TIME", "absent"},
+             {"CPU-TIME", "available"},
+             {"DISK-BYTES",
+              "absent: /sys/block/vda/stat may not be read (run as root, or let this user read that file)"},
+             {"FREQUENCY", "absent"},
+             {"FREQUENCY-REPORTED", "absent"},
+         }) {
+        ASSERT_NE(nullptr, shipped(message)) << m_log.text();
+        EXPECT_EQ(seen, availability(*shipped(message))) << message;
+    }
+    const auto wrong = makeMessage({{"PATH", "f"}}, {}, 1);
+    EXPECT_EQ("invalid: MSG, operation op: PATH \"f\": it must start with \"/\"", availability(*wrong));
+    EXPECT_EQ("nothing read", read(*shipped("CPU-TIME"))) << "nothing was opened";
 }
 
-TEST_F(TextFilesTest, reportedFrequencyOnlyWhereThereIsNoFile) {
+TEST_F(TextFilesTest, frequencyIsThatOfTheFile) {
     loadRecorded("two_packages");
-    EXPECT_EQ(nullptr, openDeclared("FREQUENCY-REPORTED"));
-    const MsgMetadata* message = openDeclared("FREQUENCY");
+    const MsgMetadata* message = openShipped("FREQUENCY");
     ASSERT_NE(nullptr, message);
     EXPECT_EQ("Thread_0=1000000 Thread_1=1100000", read(*message));
 }
 
 TEST_F(TextFilesTest, zoneThatIsASensorTooAppearsOnce) {
     loadRecorded("two_packages");
-    const MsgMetadata* sensors = openDeclared("TEMPERATURE-SENSORS");
+    const MsgMetadata* sensors = openShipped("TEMPERATURE-SENSORS");
     ASSERT_NE(nullptr, sensors);
     EXPECT_EQ("coretemp/Package id 0=45000 coretemp/Core 0=43000 coretemp/Core 1=44000 "
               "coretemp #2/Package id 1=50000 coretemp #2/Core 0=48000 coretemp #2/Core 1=49000 "
               "nvme/temp1=36850 nvme/temp2=-",
               read(*sensors));
-    const MsgMetadata* zones = openDeclared("TEMPERATURE-ZONES");
+    const MsgMetadata* zones = openShipped("TEMPERATURE-ZONES");
     ASSERT_NE(nullptr, zones);
     EXPECT_EQ("x86_pkg_temp/Zone=45000", read(*zones));
 }
@@ -214,7 +210,7 @@ TEST_F(TextFilesTest, offlineProcessorIsMissingNotStandingStill) {
     setTopology("0 0 0 0 -1 -1\n1 0 0 0 -1 -1\n2 0 4 0 -1 -1\n4 0 8 0 -1 -1\n5 0 9 0 -1 -1\n");
     m_clock.now = 1000 * MS;
     loadRecorded("hybrid_offline");
-    const MsgMetadata* frequency = openDeclared("FREQUENCY");
+    const MsgMetadata* frequency = openShipped("FREQUENCY");
     ASSERT_NE(nullptr, frequency);
     const std::string online =
         "Thread_0=1800000 Thread_1=1800000 Thread_2=1800000 Thread_4=1200000 Thread_5=";
@@ -225,7 +221,7 @@ TEST_F(TextFilesTest, offlineProcessorIsMissingNotStandingStill) {
     m_clock.now = 1600 * MS;
     EXPECT_EQ(online + "1200000", read(*frequency)) << "its file is another one now";
 
-    const MsgMetadata* idle = openDeclared("IDLE-TIME");
+    const MsgMetadata* idle = openShipped("IDLE-TIME");
     ASSERT_NE(nullptr, idle);
     const auto lastThree = [&] {
         const std::string text = read(*idle);

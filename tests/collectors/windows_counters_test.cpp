@@ -10,7 +10,7 @@ class WindowsCountersTest : public tests::CollectorFixture {};
 TEST_F(WindowsCountersTest, timesOfAProcessorOnlyGrow) {
     load("windows_counters", "/");
     setTopology("0 0 0 0 -1 -1\n");
-    const MsgMetadata* message = openDeclared("CPU-TIME");
+    const MsgMetadata* message = openShipped("CPU-TIME");
     ASSERT_NE(nullptr, message) << m_instances.reason;
     ASSERT_EQ(5U, m_instances.instances.size()) << "one processor in five modes";
     std::vector<std::uint64_t> last(5);
@@ -31,7 +31,7 @@ TEST_F(WindowsCountersTest, timesOfAProcessorOnlyGrow) {
 
 TEST_F(WindowsCountersTest, memoryHasATotalAndLessAvailable) {
     load("windows_counters", "/");
-    const MsgMetadata* message = openDeclared("MEMORY");
+    const MsgMetadata* message = openShipped("MEMORY");
     ASSERT_NE(nullptr, message) << m_instances.reason;
     read(*message);
     ASSERT_EQ(2U, m_data.size());
@@ -42,20 +42,22 @@ TEST_F(WindowsCountersTest, memoryHasATotalAndLessAvailable) {
 TEST_F(WindowsCountersTest, wrongOperationsSayWhatIsWrong) {
     load("windows_counters", "/");
     for (const auto& [keys, reason] : std::vector<std::pair<Keys, std::string>>{
-             {{{"PATH", "moon"}}, "operation op: PATH \"moon\" is no source that answers"},
+             {{{"PATH", "moon"}}, "operation op: PATH \"moon\" is no source"},
              {{{"PATH", "memory"}, {"FIELD", "lost"}},
               "operation op: FIELD \"lost\" is no counter of memory"},
          }) {
         const auto message = makeMessage(keys, {}, 1);
         EXPECT_EQ(1, plugin().open(*message, m_instances));
         EXPECT_EQ(reason, m_instances.reason);
+        EXPECT_EQ("invalid: " + reason, availability(*message));
     }
 }
 
 TEST_F(WindowsCountersTest, anotherMachineIsNotThisOne) {
     load("windows_counters", pwr::pw_getenv("KR_TEST_DATA") + "/machines/one_processor.bundle");
-    EXPECT_EQ("", capabilities());
-    EXPECT_EQ(nullptr, openDeclared("CPU-TIME"));
+    ASSERT_NE(nullptr, shipped("CPU-TIME"));
+    EXPECT_EQ("not here", availability(*shipped("CPU-TIME")));
+    EXPECT_EQ(nullptr, openShipped("CPU-TIME"));
 }
 
 } // namespace

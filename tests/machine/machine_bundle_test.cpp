@@ -220,4 +220,29 @@ TEST_F(MachineBundleTest, captureGivesBackWhatWasThere) {
         << "what did not change is written once";
 }
 
+TEST(MachineBundleBinary, captureKeepsEveryByte) {
+    std::string bytes;
+    for (int byte = 0; byte < 256; ++byte) {
+        bytes += static_cast<char>(byte);
+    }
+    for (const std::string& content : {bytes, std::string("\0\n", 2), std::string("\r\0x", 3)}) {
+        std::string reason;
+        const std::string text =
+            "tarnwell-machine 1\n@1\nfile /b " + std::to_string(content.size()) + "\n" + content + "\nend\n";
+        const auto machine = MachineBundle::parse("b", text, reason);
+        ASSERT_TRUE(machine) << reason;
+        BundleWriter writer(*machine, {"/b"});
+        writer.capture(1);
+        const auto copy = MachineBundle::parse("copy", writer.text(), reason);
+        ASSERT_TRUE(copy) << reason;
+        MachineStatus status = MachineStatus::FAILED;
+        const auto file = copy->open("/b", status);
+        ASSERT_TRUE(file);
+        std::string seen(content.size() - 1, ' ');
+        EXPECT_EQ(MachineStatus::OK, file->readAt(1, seen));
+        EXPECT_EQ(content.substr(1), seen);
+        EXPECT_EQ(MachineStatus::MISSING, file->readAt(2, seen)) << "it ends before";
+    }
+}
+
 } // namespace

@@ -1,3 +1,4 @@
+#include "common/config/tw_configfile_parser.h"
 #include "common/platform/file.h"
 #include "common/plugin/collector_plugin.h"
 #include "common/plugin/metric_plugin.h"
@@ -8,6 +9,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 
 namespace pwr {
@@ -52,6 +54,55 @@ TEST_F(PluginLoaderTest, eachFileIsAPluginOrAReason) {
     }
     EXPECT_THAT(loader.getPlugins<CollectorPlugin>(), testing::ElementsAre(good.plugin.get()));
     EXPECT_THAT(loader.getPlugins<MetricPlugin>(), testing::IsEmpty());
+}
+
+TEST_F(PluginLoaderTest, manifestsMakeTypesKnownWithoutTheirModules) {
+    LogCapture log;
+    PluginLoader loader;
+    loader.loadFolder(folder());
+    const PluginManifest& absent = loader.getManifests().at("absent");
+    EXPECT_EQ(KR_PLUGIN_COLLECTOR, absent.kind);
+    EXPECT_FALSE(absent.isForThisSystem());
+    TWConfigFileParser& parser = *TWConfigFileParser::instance();
+    EXPECT_EQ(0, parser.parseText("test", "ALL_CAP_MSG1_SOMEWHERE:NEAR_KEY=1\n")) << log.text();
+    EXPECT_EQ(1, parser.parseText("test", "ALL_CAP_MSG2_SOMEWHERE:FAR_KEY=1\n"));
+    EXPECT_EQ(nullptr, parser.getCollector("SOMEWHERE")) << "nobody serves it";
+    TWConfigFileParser::destroy();
+}
+
+TEST_F(PluginLoaderTest, badManifestsAreTold) {
+    PluginManifest manifest;
+    for (const auto& [text, told] : std::vector<std::pair<std::string, std::string>>{
+             {"type=A\n", "m.manifest: the key kind is missing"},
+             {"kind=reader\n", "m.manifest:1: \"kind=reader\": expected collector, metric or writer"},
+             {"# word\nkind=metric\ntype=A_B\n",
+              "m.manifest:3: \"type=A_B\": expected a word without \"_\" and \"=\""},
+             {"kind=metric\ncolor=red\n",
+              "m.manifest:2: \"color=red\": expected the key kind, library, systems or type"},
+         }) {
+        std::string error;
+        EXPECT_EQ(1, manifest.parse("m", text, error));
+        EXPECT_EQ(told, error);
+    }
+}
+
+TEST_F(PluginLoaderTest, moduleMustBeWhatItsManifestSays) {
+    LogCapture log;
+    const std::string manifest = folder() + "/1_good.manifest";
+    for (const auto& [text, told] : std::vector<std::pair<std::string, std::string>>{
+             {"kind=writer\n", "its manifest names another kind of plug-in"},
+             {"kind=collector\ntype=THINGS\n",
+              "it serves the collector types none, its manifest names THINGS: "
+              "install both from one release"},
+             {"kind=collector\n", ""},
+         }) {
+        std::ofstream(manifest) << text;
+        PluginLoader loader;
+        loader.loadFolder(folder());
+        EXPECT_EQ(told.empty() ? "" : "plug-in good: " + told, errorOf(loader, 0));
+    }
+    std::filesystem::remove(manifest);
+    TWConfigFileParser::destroy();
 }
 
 TEST_F(PluginLoaderTest, endsInReverseOrder) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/platform/module.h"
 #include "common/plugin/plugin_loader.h"
 #include "common/pw_utils.h"
 
@@ -9,11 +10,7 @@ namespace tests {
 
 /// Loads a module of the build's plug-in folder as a host does; 1 when it is not there or refuses.
 inline int loadModule(pwr::PluginLoader& loader, const std::string& name) {
-    int result = 1;
-    for (const std::string& path : pwr::doGlob(pwr::pw_getenv("KR_TEST_BIN") + "/plugins/" + name + ".*")) {
-        result = loader.loadFile(path);
-    }
-    return result;
+    return loader.loadFile(pwr::pw_getenv("KR_TEST_BIN") + "/plugins/" + name + pwr::platform::moduleSuffix());
 }
 
 } // namespace tests

@@ -59,4 +59,8 @@ const char* moduleSuffix() {
     return ".so";
 }
 
+const char* systemWord() {
+    return "linux";
+}
+
 } // namespace pwr::platform

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <limits>
 #include <memory>
 #include <string_view>
 
@@ -66,6 +67,31 @@ int RawFile::readAll(std::string& out) {
         }
         used += static_cast<std::size_t>(got);
     }
+}
+
+int RawFile::readAt(std::uint64_t offset, std::span<char> bytes, std::size_t& got) {
+    got = 0;
+    if (m_descriptor < 0) {
+        return EBADF;
+    }
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()) - bytes.size()) {
+        return 0; // no file has bytes there
+    }
+    while (got < bytes.size()) {
+        const ssize_t size =
+            ::pread(m_descriptor, bytes.data() + got, bytes.size() - got, static_cast<off_t>(offset + got));
+        if (size < 0 && errno == EINTR) {
+            continue;
+        }
+        if (size < 0) {
+            return errno;
+        }
+        if (size == 0) {
+            break;
+        }
+        got += static_cast<std::size_t>(size);
+    }
+    return 0;
 }
 
 int listFolder(const std::string& path, std::vector<std::string>& names) {

@@ -53,4 +53,8 @@ const char* moduleSuffix() {
     return ".dll";
 }
 
+const char* systemWord() {
+    return "windows";
+}
+
 } // namespace pwr::platform

@@ -10,6 +10,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 
 namespace pwr::platform {
@@ -68,6 +69,30 @@ int RawFile::readAll(std::string& out) {
         }
         used += static_cast<std::size_t>(got);
     }
+}
+
+int RawFile::readAt(std::uint64_t offset, std::span<char> bytes, std::size_t& got) {
+    got = 0;
+    if (m_descriptor < 0) {
+        return EBADF;
+    }
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) - bytes.size()) {
+        return 0; // no file has bytes there
+    }
+    if (::_lseeki64(m_descriptor, static_cast<std::int64_t>(offset), SEEK_SET) < 0) {
+        return errno;
+    }
+    while (got < bytes.size()) {
+        const int size = ::_read(m_descriptor, bytes.data() + got, static_cast<unsigned>(bytes.size() - got));
+        if (size < 0) {
+            return errno;
+        }
+        if (size == 0) {
+            break;
+        }
+        got += static_cast<std::size_t>(size);
+    }
+    return 0;
 }
 
 int listFolder(const std::string& path, std::vector<std::string>& names) {

@@ -7,12 +7,14 @@
 #include <string_view>
 #include <vector>
 
-#include "plugins/collectors/text_files/pattern.h"
+#include "plugins/collectors/message_keys.h"
+#include "plugins/collectors/pattern.h"
 
 namespace text_files {
 
-/// How the text of a value becomes 64 bits, or stays a text.
-enum class RawType : std::uint8_t { UINT, INT, REAL, STRING };
+using collectors::Binding;
+using collectors::Pattern;
+using collectors::RawType;
 
 /// One value of a reading.
 struct RawValue {

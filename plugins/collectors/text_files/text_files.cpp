@@ -2,29 +2,24 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
+#include <utility>
 
 #include "common/metadata/msg_metadata.h"
 #include "common/platform/system_info.h"
 #include "common/plugin/logger.h"
-#include "common/plugin/plugin_environment.h"
 #include "common/plugin/plugin_loader.h"
-#include "common/tw_clock.h"
 #include "common/values/data.h"
-#include "plugins/collectors/text_files/features.h"
+#include "plugins/collectors/binary_file.h"
+#include "plugins/collectors/reading_time.h"
 
 namespace text_files {
 
 namespace {
 
-using pwr::FeatureRow;
-using pwr::MessageRow;
 using pwr::MsgMetadata;
+using State = MessageAvailability::State;
 
-constexpr const char* DENIED_FIX = "run as root, or let this user read that file";
-
-const MsgMetadata& messageOf(const std::vector<std::unique_ptr<pwr::Metadata>>& declaration) {
-    return dynamic_cast<const MsgMetadata&>(*declaration.front());
-}
 
 /// One pattern of a list such as "loop*,ram*": a name, or the start of one.
 bool isListed(std::string_view name, std::string_view patterns) {
@@ -70,58 +65,36 @@ int TextFiles::initialize() {
         pwr::logError("ERROR: %s\n", reason.c_str());
         return 1;
     }
+    return 0;
+}
+
+MessageAvailability TextFiles::probe(const MsgMetadata& message) {
+    if (!m_machine) {
+        return {State::NOT_HERE, {}, {}};
+    }
+    Expansion expansion = expandMessage(*m_machine, message);
+    if (!expansion.error.empty()) {
+        return {State::INVALID, expansion.error, {}}; // wherever it is checked
+    }
     // Another collector reads such a system's counters. What lies at "/proc" there, as it does below an emulation
     // of the system, is not this system's and must not be counted twice.
     if (m_where == "/" && !pwr::platform::keepsCountersInFiles()) {
-        return 0;
+        return {State::NOT_HERE, {}, {}};
     }
-    for (const FeatureRow& feature : features()) {
-        probeFeature_i(feature);
+    leaveOutUnused_i(collectors::constantOf(message, "SKIP-UNUSED"), expansion.places);
+    if (!expansion.places.empty()) {
+        return {};
     }
-    return 0;
-}
-
-void TextFiles::probeFeature_i(const FeatureRow& feature) {
-    auto capability = std::make_unique<PluginCapability>(feature.name, feature.description);
-    std::string denied;
-    bool isAvailable = false;
-    for (const MessageRow& message : feature.messages) {
-        Declaration declaration;
-        appendDeclaration(feature, message, COLLECTOR_TYPE, 1, declaration);
-        Expansion expansion = expandMessage(*m_machine, messageOf(declaration));
-        leaveOutUnused_i(constantOf(messageOf(declaration), "SKIP-UNUSED"), expansion.places);
-        denied = denied.empty() ? expansion.denied : denied;
-        if (!expansion.places.empty() && !(message.isAlternative && isAvailable)) {
-            m_available.emplace(&feature, &message);
-            isAvailable = true;
-        }
+    if (!expansion.denied.empty()) {
+        return {State::ABSENT, expansion.denied + " may not be read", collectors::DENIED_FIX};
     }
-    if (!isAvailable && !denied.empty()) {
-        capability->setUnavailable(denied + " may not be read", DENIED_FIX);
-    } else if (!isAvailable) {
-        capability->setUnavailable(feature.reason, feature.fix);
-    }
-    if (addCapability(capability.get()) == 0) {
-        static_cast<void>(capability.release()); // the plug-in owns it now
-    }
-}
-
-int TextFiles::declare(std::vector<std::unique_ptr<pwr::Metadata>>& declarations) {
-    unsigned number = 0;
-    for (const FeatureRow& feature : features()) {
-        for (const MessageRow& message : feature.messages) {
-            if (m_available.contains({&feature, &message})) {
-                appendDeclaration(feature, message, COLLECTOR_TYPE, ++number, declarations);
-            }
-        }
-    }
-    return 0;
+    return {State::ABSENT, {}, {}};
 }
 
 int TextFiles::open(const MsgMetadata& message, MessageInstances& out) {
     out = MessageInstances();
     std::vector<Place> places;
-    if (expand_i(message, places, out) != 0 || makeInstances_i(places, out) != 0) {
+    if (expand_i(message, places, out) != 0 || m_names.makeInstances(places, out) != 0) {
         out.instances.clear();
         return 1;
     }
@@ -140,16 +113,16 @@ int TextFiles::expand_i(const MsgMetadata& message, std::vector<Place>& places, 
         out.reason = expansion.error;
         return 1;
     }
-    leaveOutUnused_i(constantOf(message, "SKIP-UNUSED"), places);
+    leaveOutUnused_i(collectors::constantOf(message, "SKIP-UNUSED"), places);
     if (places.empty() && !expansion.denied.empty()) {
         out.reason = expansion.denied + " may not be read";
-        out.fix = DENIED_FIX;
+        out.fix = collectors::DENIED_FIX;
     } else if (places.empty()) {
         out.reason = "message " + message.getMsgName() + ": nothing on this machine matches";
     }
     const int result = places.empty() ? 1 : 0;
     // What is known under another message's name is no loss, even when that is everything.
-    if (constantOf(message, "SKIP-KNOWN") == "YES") {
+    if (collectors::constantOf(message, "SKIP-KNOWN") == "YES") {
         std::erase_if(places, [this](const Place& place) { return m_names.isNameTaken(place); });
     }
     return result;
@@ -174,51 +147,12 @@ void TextFiles::leaveOutUnused_i(const std::string& patterns, std::vector<Place>
     });
 }
 
-int TextFiles::makeInstances_i(std::vector<Place>& places, MessageInstances& out) {
-    if (g_pluginEnvironment->getTopologyManager() == nullptr) {
-        out.reason = "the processor topology is not known";
-        return 1;
-    }
-    std::set<std::pair<const pwr::EntityHandle*, std::string>> taken;
-    std::vector<Place> kept;
-    for (Place& place : places) {
-        const pwr::EntityHandle* entity = m_names.entityOf(place);
-        if (entity == nullptr) {
-            continue;
-        }
-        // Some drivers give two states or sensors of one processor the same name.
-        std::string name = place.descriptor;
-        for (unsigned number = 2; !taken.emplace(entity, name).second; ++number) {
-            name = place.descriptor + " #" + std::to_string(number);
-        }
-        out.instances.push_back({entity, EntityNames::descriptorOf(name)});
-        kept.push_back(std::move(place));
-    }
-    if (kept.empty() && !places.empty()) {
-        out.reason = "the topology knows none of the processors found";
-        return 1;
-    }
-    places = std::move(kept);
-    if (places.size() > CollectionData::MAX_VALUES) {
-        out.reason = std::to_string(places.size()) + " values are more than one reading holds";
-        return 1;
-    }
-    return 0;
-}
-
 int TextFiles::read(const MsgMetadata& message, CollectionData& out) {
     const auto plan = m_plans.find(message.getMsgID());
     if (plan == m_plans.end()) {
         return 1;
     }
-    const pw_u64_t begin = pwr::getTWATimestamp();
-    plan->second->read();
-    const pw_u64_t end = pwr::getTWATimestamp();
-    const pw_u64_t span = end > begin ? end - begin : 0;
-    // The middle of the reading is off by at most half of its span, whichever file a value came from.
-    out.header().timestamp = begin + span / 2;
-    out.header().read_span =
-        static_cast<pw_u32_t>(std::min<pw_u64_t>(span, std::numeric_limits<pw_u32_t>::max()));
+    collectors::stampReading(out, [&] { plan->second->read(); });
     const bool hasText =
         std::any_of(plan->second->values().begin(), plan->second->values().end(),
                     [](const RawValue& value) { return value.kind == RawValue::Kind::TEXT; });

@@ -3,15 +3,12 @@
 #include <cstddef>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "common/machine_files.h"
 #include "common/plugin/collector_plugin.h"
-#include "plugins/collectors/declared_feature.h"
-#include "plugins/collectors/text_files/entity_names.h"
+#include "plugins/collectors/entity_names.h"
 #include "plugins/collectors/text_files/expansion.h"
 #include "plugins/collectors/text_files/read_plan.h"
 
@@ -32,23 +29,18 @@ public:
     int setOption(const std::string& key, const std::string& value) override;
     const char* getDescription() const override;
     std::vector<std::string> getCollectorTypes() const override;
-    int declare(std::vector<std::unique_ptr<pwr::Metadata>>& declarations) override;
+    MessageAvailability probe(const pwr::MsgMetadata& message) override;
     int open(const pwr::MsgMetadata& message, MessageInstances& out) override;
     int read(const pwr::MsgMetadata& message, CollectionData& out) override;
     void close(const pwr::MsgMetadata& message) override;
 
 private:
-    using Declaration = std::vector<std::unique_ptr<pwr::Metadata>>;
-
-    void probeFeature_i(const pwr::FeatureRow& feature);
     int expand_i(const pwr::MsgMetadata& message, std::vector<Place>& places, MessageInstances& out);
     void leaveOutUnused_i(const std::string& patterns, std::vector<Place>& places) const;
-    int makeInstances_i(std::vector<Place>& places, MessageInstances& out);
 
     std::string m_where = "/";
     std::unique_ptr<pwr::MachineFiles> m_machine;
-    std::set<std::pair<const pwr::FeatureRow*, const pwr::MessageRow*>> m_available;
-    EntityNames m_names;
+    collectors::EntityNames m_names;
     std::size_t m_handles = 0;
     std::map<unsigned, std::unique_ptr<ReadPlan>> m_plans; // by the message's number
 };

@@ -10,15 +10,13 @@
 #include "common/plugin/plugin_loader.h"
 #include "common/tw_clock.h"
 #include "common/values/data.h"
-#include "plugins/collectors/windows_counters/features.h"
 
 namespace windows_counters {
 
 namespace {
 
-using pwr::FeatureRow;
-using pwr::MessageRow;
 using pwr::OperationMetadata;
+using State = MessageAvailability::State;
 
 constexpr const char* PROCESSOR_TIMES = "processor-times";
 constexpr const char* MEMORY = "memory";
@@ -69,15 +67,6 @@ int WindowsCounters::initialize() {
     m_sources.emplace(PROCESSOR_TIMES, makeProcessorTimes());
     m_sources.emplace("network-interfaces", makeNetworkInterfaces());
     m_sources.emplace(MEMORY, makeMemory());
-    for (const FeatureRow& feature : features()) {
-        auto capability = std::make_unique<PluginCapability>(feature.name, feature.description);
-        if (!isOffered_i(feature)) {
-            capability->setUnavailable(feature.reason, feature.fix);
-        }
-        if (addCapability(capability.get()) == 0) {
-            static_cast<void>(capability.release()); // the plug-in owns it now
-        }
-    }
     return 0;
 }
 
@@ -86,21 +75,44 @@ CounterSource* WindowsCounters::findSource_i(const std::string& path) const {
     return source == m_sources.end() ? nullptr : source->second.get();
 }
 
-bool WindowsCounters::isOffered_i(const FeatureRow& feature) const {
-    CounterSource* source = findSource_i(feature.messages.front().operations.front().path);
-    return source != nullptr && source->refresh() && !source->owners().empty();
+MessageAvailability WindowsCounters::probe(const pwr::MsgMetadata& message) {
+    if (!m_isLive) {
+        return {State::NOT_HERE, {}, {}};
+    }
+    bool isHere = false;
+    for (const OperationMetadata* operation : message.getMetaValues()) {
+        if (operation->getOperation() == pwr::CONSTANTOperationMetadata::c_operation) {
+            continue;
+        }
+        std::string reason;
+        std::size_t counter = 0;
+        CounterSource* source = findCounter_i(*operation, counter, reason);
+        if (source == nullptr) {
+            return {State::INVALID, reason, {}};
+        }
+        isHere = isHere || (source->refresh() && !source->owners().empty());
+    }
+    return {isHere ? State::AVAILABLE : State::ABSENT, {}, {}};
 }
 
-int WindowsCounters::declare(std::vector<std::unique_ptr<pwr::Metadata>>& declarations) {
-    unsigned number = 0;
-    for (const FeatureRow& feature : features()) {
-        for (const MessageRow& message : feature.messages) {
-            if (isOffered_i(feature)) {
-                appendDeclaration(feature, message, COLLECTOR_TYPE, ++number, declarations);
-            }
-        }
+/// The source and the number of an operation's counter; null with the reason.
+CounterSource* WindowsCounters::findCounter_i(const OperationMetadata& operation, std::size_t& counter,
+                                              std::string& reason) const {
+    const std::string path = valueOf(operation, "PATH");
+    const std::string field = valueOf(operation, "FIELD");
+    CounterSource* source = findSource_i(path);
+    if (source == nullptr) {
+        reason = "operation " + operation.getName() + ": PATH \"" + path + "\" is no source";
+        return nullptr;
     }
-    return 0;
+    const auto names = source->counters();
+    const auto found = std::find(names.begin(), names.end(), field);
+    if (found == names.end()) {
+        reason = "operation " + operation.getName() + ": FIELD \"" + field + "\" is no counter of " + path;
+        return nullptr;
+    }
+    counter = static_cast<std::size_t>(found - names.begin());
+    return source;
 }
 
 int WindowsCounters::open(const pwr::MsgMetadata& message, MessageInstances& out) {
@@ -127,18 +139,14 @@ int WindowsCounters::open(const pwr::MsgMetadata& message, MessageInstances& out
 
 int WindowsCounters::addOperation_i(const OperationMetadata& operation, std::vector<Value>& values,
                                     MessageInstances& out) {
-    const std::string path = valueOf(operation, "PATH");
-    const std::string field = valueOf(operation, "FIELD");
-    CounterSource* source = findSource_i(path);
-    if (source == nullptr || !source->refresh()) {
-        out.reason = "operation " + operation.getName() + ": PATH \"" + path + "\" is no source that answers";
+    std::size_t counter = 0;
+    CounterSource* source = findCounter_i(operation, counter, out.reason);
+    if (source == nullptr) {
         return 1;
     }
-    const auto names = source->counters();
-    const auto counter = std::find(names.begin(), names.end(), field);
-    if (counter == names.end()) {
-        out.reason =
-            "operation " + operation.getName() + ": FIELD \"" + field + "\" is no counter of " + path;
+    const std::string path = valueOf(operation, "PATH");
+    if (!source->refresh()) {
+        out.reason = "operation " + operation.getName() + ": PATH \"" + path + "\" does not answer";
         return 1;
     }
     const pwr::DataDescriptor* descriptor = descriptorOf(valueOf(operation, "DESCRIPTOR"));
@@ -146,7 +154,7 @@ int WindowsCounters::addOperation_i(const OperationMetadata& operation, std::vec
         const pwr::EntityHandle* entity = entityOf_i(path, owner);
         if (entity != nullptr) {
             out.instances.push_back({entity, descriptor});
-            values.push_back({source, owner.key, static_cast<std::size_t>(counter - names.begin())});
+            values.push_back({source, owner.key, counter});
         }
     }
     return 0;

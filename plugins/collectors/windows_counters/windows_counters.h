@@ -9,7 +9,6 @@
 #include "common/metadata/operation_metadata.h"
 #include "common/model/entity_handle.h"
 #include "common/plugin/collector_plugin.h"
-#include "plugins/collectors/declared_feature.h"
 #include "plugins/collectors/windows_counters/counter_source.h"
 
 namespace windows_counters {
@@ -28,7 +27,7 @@ public:
     int setOption(const std::string& key, const std::string& value) override;
     const char* getDescription() const override;
     std::vector<std::string> getCollectorTypes() const override;
-    int declare(std::vector<std::unique_ptr<pwr::Metadata>>& declarations) override;
+    MessageAvailability probe(const pwr::MsgMetadata& message) override;
     int open(const pwr::MsgMetadata& message, MessageInstances& out) override;
     int read(const pwr::MsgMetadata& message, CollectionData& out) override;
     void close(const pwr::MsgMetadata& message) override;
@@ -42,7 +41,8 @@ private:
     };
 
     CounterSource* findSource_i(const std::string& path) const;
-    bool isOffered_i(const pwr::FeatureRow& feature) const;
+    CounterSource* findCounter_i(const pwr::OperationMetadata& operation, std::size_t& counter,
+                                 std::string& reason) const;
     int addOperation_i(const pwr::OperationMetadata& operation, std::vector<Value>& values,
                        MessageInstances& out);
     const pwr::EntityHandle* entityOf_i(const std::string& path, const CounterSource::Owner& owner);

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "common/values/data.h"
-#include "plugins/metrics/metric_declaration.h"
+#include "common/metrics/metric_declaration.h"
 
 namespace pwr {
 

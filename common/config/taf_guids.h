@@ -1,0 +1,24 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <utility>
+
+#include "common/export.h"
+#include "common/pw_types.h"
+
+namespace pwr {
+
+class Parser;
+class Platform;
+
+/// Says so when a value to be matched is a telemetry GUID that a platform no longer supports.
+void warnOfDeprecatedGUID(const Parser& parser, const std::pair<std::string, std::string>& specifier);
+
+/// Warns of every GUID that the platform is described with and that the machine lacks.
+KRCOMMON_API void warnOfMissingGUIDs(const Platform& platform, const std::set<pw_u32_t>& machineGUIDs);
+
+/// Reads a GUID that the user gave in place of a real one; false, with an error, when it is no number.
+KRCOMMON_API bool readEmulatedGUID(const std::string& text, pw_u32_t& guid);
+
+} // namespace pwr
