@@ -35,8 +35,13 @@ void addFeature(Values& values, const Feature& feature, const OpenFailure* failu
 std::vector<Feature> featuresOf(const HardwareDescription& description, const CollectorPlugin& collector) {
     std::vector<Feature> features = description.features(&collector);
     for (const PluginCapability* capability : collector.getCapabilities()) {
-        features.push_back({capability->getName(), capability->getDescription(), capability->isAvailable(),
-                            capability->getReason(), capability->getFix(), capability->isHidden(), {}});
+        features.push_back({capability->getName(),
+                            capability->getDescription(),
+                            capability->isAvailable(),
+                            capability->getReason(),
+                            capability->getFix(),
+                            capability->isHidden(),
+                            {}});
     }
     return features;
 }

@@ -19,8 +19,8 @@ struct Feature {
     std::string name;
     std::string description;
     bool isAvailable = false;
-    std::string reason; ///< why not
-    std::string fix;    ///< what would mend it; may be empty
+    std::string reason;    ///< why not
+    std::string fix;       ///< what would mend it; may be empty
     bool isHidden = false; ///< not listed, and collected only when it is asked for
     std::set<std::string> groups;
 };

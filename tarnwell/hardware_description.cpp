@@ -101,7 +101,8 @@ int HardwareDescription::offer_i(const pwr::ConfigCap& capability, const PluginS
     for (const pwr::InputMsg* message : messages) {
         OfferedMessage offered{message, message->createMsgMetadata(), nullptr, {}};
         for (const std::string& complaint : complaintsOf(*message, *offered.record, messages)) {
-            complain({placeOf(m_texts, *message, complaint) + ": message " + message->getName() + ": " + complaint});
+            complain({placeOf(m_texts, *message, complaint) + ": message " + message->getName() + ": " +
+                      complaint});
             result = 1;
         }
         result |= probe_i(offered, plugins);

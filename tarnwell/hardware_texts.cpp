@@ -73,9 +73,9 @@ ConfigurationTexts usedStatements(const ConfigurationTexts& texts, const std::se
     for (const auto& [name, text] : texts) {
         std::string used;
         forEachStatement(text, [&](const Statement& statement) {
-            const bool isUsed = platforms.count(std::string(statement.fields[0])) != 0 &&
-                                (statement.fields[1] == "MODEL" ||
-                                 prefixes.count(std::string(statement.fields[1])) != 0);
+            const bool isUsed =
+                platforms.count(std::string(statement.fields[0])) != 0 &&
+                (statement.fields[1] == "MODEL" || prefixes.count(std::string(statement.fields[1])) != 0);
             used += isUsed ? std::string(statement.text) + "\n" : std::string();
         });
         if (!used.empty()) {
@@ -88,9 +88,7 @@ ConfigurationTexts usedStatements(const ConfigurationTexts& texts, const std::se
 std::set<std::string> platformsIn(const ConfigurationTexts& texts) {
     std::set<std::string> platforms;
     for (const auto& [name, text] : texts) {
-        forEachStatement(text, [&](const Statement& statement) {
-            platforms.emplace(statement.fields[0]);
-        });
+        forEachStatement(text, [&](const Statement& statement) { platforms.emplace(statement.fields[0]); });
     }
     return platforms;
 }

@@ -13,7 +13,8 @@ namespace tarnwell {
 
 /// The place "FILE:LINE" of the statement that a complaint about a message is about: the one whose key and value the
 /// complaint has, else the one whose key it has, else the message's first. "" when no text has any.
-std::string placeOf(const ConfigurationTexts& texts, const pwr::InputMsg& message, const std::string& complaint);
+std::string placeOf(const ConfigurationTexts& texts, const pwr::InputMsg& message,
+                    const std::string& complaint);
 
 /// The statements of some capabilities (by their prefixes) and of some platforms' own lines, as texts to be saved: file by file, without
 /// comments, under names that begin with kHardwareTextPrefix. Files without any are left out.

@@ -100,8 +100,9 @@ std::vector<std::string> complaintsOf(const pwr::InputMsg& message, const pwr::M
     }
     int processor = -1;
     if (readProcessor(message, processor) != 0) {
-        complaints.push_back("READ-WHICH-CPU or WRITE-WHICH-CPU: expected a processor's number or ALL, got \"" +
-                             message.getCPUString() + "\"");
+        complaints.push_back(
+            "READ-WHICH-CPU or WRITE-WHICH-CPU: expected a processor's number or ALL, got \"" +
+            message.getCPUString() + "\"");
     }
     const std::string others = constantOf(record, "INSTEAD-OF");
     pwr::ListItems items(others);

@@ -107,9 +107,8 @@ private:
 
     bool isChosen_i(const pwr::MsgMetadata& message) const {
         const auto& names = m_settings.features;
-        return names.empty() || std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-                   return isNamed(message, name);
-               });
+        return names.empty() || std::any_of(names.begin(), names.end(),
+                                            [&](const std::string& name) { return isNamed(message, name); });
     }
 
     /// Everything is declared, also what was not chosen: a declaration without instances gives no table.

@@ -62,7 +62,8 @@ void declareOptions(CLI::App& app, Settings& settings) {
     app.footer(kFooter);
     app.set_version_flag("--version", std::string("tarnwell ") + kVersion);
     app.add_option("--feature", settings.features,
-                   "collect (or report) this feature, or group of features, only; repeat for more; without NAME: list")
+                   "collect (or report) this feature, or group of features, only; repeat for more; without "
+                   "NAME: list")
         ->type_name("NAME")
         ->allow_extra_args(false);
     declareInterval(app, settings, "milliseconds between samples (1 to 60000; default 100)");
@@ -79,7 +80,8 @@ void declareOptions(CLI::App& app, Settings& settings) {
         ->type_name("FILE")
         ->allow_extra_args(false);
     declareHardwareConfig(app, settings);
-    app.add_flag("--max-detail", settings.maxDetail, "collect what is only wanted at the highest detail, too");
+    app.add_flag("--max-detail", settings.maxDetail,
+                 "collect what is only wanted at the highest detail, too");
     declareMachine(app, settings, "read the machine from this root folder or captured bundle");
     auto* const save = declareName(app, "--save", settings.saveFile, "the name of the file to save to",
                                    "save the collection here instead of in PREFIX.twc or tarnwell-TIME.twc")
@@ -105,8 +107,8 @@ void declareSubcommands(CLI::App& app, Settings& settings) {
 
 /// Options that say how to collect, where nothing is collected.
 std::string uselessOption(const CLI::App& app, const Settings& settings) {
-    static constexpr std::array kOnlyCollecting = {"--interval",  "--time",       "--machine",        "--save",
-                                                   "--overwrite", "--max-detail", "--hardware-config"};
+    static constexpr std::array kOnlyCollecting = {
+        "--interval", "--time", "--machine", "--save", "--overwrite", "--max-detail", "--hardware-config"};
     for (const char* option : kOnlyCollecting) {
         if (app.count(option) > 0) {
             return option;

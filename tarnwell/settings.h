@@ -19,22 +19,22 @@ struct Settings {
     std::string outputPrefix;              ///< empty: results go to standard output only
     std::vector<std::string> outputConfig; ///< empty: the files shipped beside the library, or those saved
     std::vector<std::string> moreOutputConfig; ///< behind those
-    std::vector<std::string> hardwareConfig;   ///< behind the hardware descriptions shipped beside the library
-    bool maxDetail = false;                    ///< messages have their triggers of the highest detail
-    std::string machine = "/";             ///< root folder or bundle of the machine to read
-    bool quiet = false;                    ///< neither a progress line nor a word about the saved file
-    std::vector<std::string> command;      ///< what stands behind "--"
-    std::vector<std::string> arguments;    ///< all of it as given, for the record
+    std::vector<std::string> hardwareConfig; ///< behind the hardware descriptions shipped beside the library
+    bool maxDetail = false;                  ///< messages have their triggers of the highest detail
+    std::string machine = "/";               ///< root folder or bundle of the machine to read
+    bool quiet = false;                      ///< neither a progress line nor a word about the saved file
+    std::vector<std::string> command;        ///< what stands behind "--"
+    std::vector<std::string> arguments;      ///< all of it as given, for the record
 
     bool saves = true;
     std::string saveFile; ///< empty: named after the prefix or the time
     bool overwrite = false;
 
-    std::string inputFile;   ///< the saved collection to work on; empty: collect
-    std::string outputFile;  ///< what a subcommand writes; empty: standard output
-    std::string captureFile; ///< doctor: where to write a bundle of the machine
+    std::string inputFile;                 ///< the saved collection to work on; empty: collect
+    std::string outputFile;                ///< what a subcommand writes; empty: standard output
+    std::string captureFile;               ///< doctor: where to write a bundle of the machine
     std::vector<std::string> checkedFiles; ///< check-config: empty for the shipped files
-    bool asJson = false;     ///< info: as one JSON object; export: one JSON object a line
+    bool asJson = false;                   ///< info: as one JSON object; export: one JSON object a line
 };
 
 /// What came of reading the command line: settings, or text to print and the code to end with.

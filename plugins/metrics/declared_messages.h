@@ -9,8 +9,8 @@
 #include "common/driver_interface.h"
 #include "common/metadata/metadata.h"
 #include "common/metadata/msg_metadata.h"
-#include "common/plugin/collection_data.h"
 #include "common/metrics/metric_declaration.h"
+#include "common/plugin/collection_data.h"
 
 namespace pwr {
 

@@ -20,7 +20,6 @@ namespace {
 using pwr::MsgMetadata;
 using State = MessageAvailability::State;
 
-
 /// One pattern of a list such as "loop*,ram*": a name, or the start of one.
 bool isListed(std::string_view name, std::string_view patterns) {
     while (!patterns.empty()) {

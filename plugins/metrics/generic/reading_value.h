@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "common/values/data.h"
 #include "common/metrics/metric_declaration.h"
+#include "common/values/data.h"
 
 namespace pwr {
 

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "common/metrics/data_element.h"
+#include "common/metrics/metric_declaration.h"
 #include "common/plugin/collection_data.h"
 #include "plugins/metrics/counter_difference.h"
 #include "plugins/metrics/metric_containers.h"
-#include "common/metrics/metric_declaration.h"
 #include "plugins/metrics/residency_carry/carry.h"
 #include "plugins/metrics/ticks_of_counter.h"
 
