@@ -8,8 +8,6 @@ namespace tests {
 
 namespace {
 
-using pwr::saved::Damage;
-
 /// Where blocks begin.
 std::vector<std::size_t> blocksOf(const std::vector<char>& bytes) {
     std::vector<std::size_t> places;

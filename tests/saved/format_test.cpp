@@ -3,6 +3,7 @@
 #include "common/metadata/handled_version.h"
 #include "common/metadata/saved_version.h"
 #include "common/metadata/serializer.h"
+#include "common/pw_utils.h"
 #include "common/saved/block_header.h"
 #include "common/saved/crc32c.h"
 #include "common/saved/index.h"
@@ -21,7 +22,7 @@ using pwr::saved::BlockKind;
 
 /// The bytes of the page's example: the lines that begin with an offset.
 std::vector<char> pageBytes() {
-    std::ifstream page(std::string(std::getenv("KR_TEST_DATA")) + "/../docs/formats/saved-collection.md");
+    std::ifstream page(pwr::pw_getenv("KR_TEST_DATA") + "/../docs/formats/saved-collection.md");
     std::vector<char> bytes;
     bool isExample = false;
     for (std::string line; std::getline(page, line);) {
@@ -174,11 +175,12 @@ TEST_F(CollectionTest, noIndexMakesAReaderReadMoreThanTheFile) {
         BlockHeader header;
         header.kind = BlockKind::NOTES;
         header.sequence = i;
-        const char* const payload = blocks.data() + i * 40 + 40;
-        header.length = static_cast<pw_u32_t>(blocks.size()) - i * 40 - 40;
+        const std::size_t at = std::size_t{i} * 40;
+        const char* const payload = blocks.data() + at + 40;
+        header.length = static_cast<pw_u32_t>(blocks.size() - at - 40);
         header.payloadChecksum = pwr::saved::crc32c(payload, header.length);
-        std::ranges::copy(encode(header), blocks.begin() + i * 40);
-        index.entries.insert(index.entries.begin(), {header.kind, 0, 0, i, 32 + i * 40U});
+        std::ranges::copy(encode(header), blocks.begin() + static_cast<std::ptrdiff_t>(at));
+        index.entries.insert(index.entries.begin(), {header.kind, 0, 0, i, 32 + at});
     }
     std::vector<char> file = fileHeader();
     file.insert(file.end(), blocks.begin(), blocks.end());
