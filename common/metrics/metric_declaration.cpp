@@ -290,6 +290,8 @@ int MetricDeclaration::complete_i(std::string& error) {
         error = "VALUE-TYPE: a text stays a text";
         return 1;
     }
+    const bool isScaled = !scale.isWhole || scale.whole != 1 || !offset.isWhole || offset.whole != 0;
+    isRaw = !isScaled && rawType == DataType::UINT && valueType == DataType::UINT;
     return 0;
 }
 

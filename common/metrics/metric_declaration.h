@@ -37,6 +37,7 @@ struct KRCOMMON_API MetricDeclaration {
     DecimalNumber offset;
     DataType rawType = DataType::NONE; ///< how the 64 bits of a reading are meant
     DataType valueType = DataType::NONE;
+    bool isRaw = false; ///< the 64 bits of a reading are the value, unsigned and unscaled
     std::vector<std::pair<std::string, std::string>> states; ///< value and name, in order
     std::string entityTitle;
     std::string descriptorTitle;

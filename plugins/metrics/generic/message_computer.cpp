@@ -121,8 +121,13 @@ void MessageComputer::processLevel_i(Row& row, const CollectionData& reading, st
             {static_cast<std::size_t>(&row - m_rows.data()), row.ticks.next(reading.getBits(at)), duration});
         return;
     }
-    row.element.setValue(m_metric.rawType == DataType::STRING ? Data(std::string(reading.getText(at)))
-                                                              : valueOf(reading.getBits(at), m_metric));
+    if (m_metric.isRaw) {
+        row.element.setValue(Data(reading.getBits(at)));
+    } else if (m_metric.rawType == DataType::STRING) {
+        row.element.setValue(Data(std::string(reading.getText(at))));
+    } else {
+        row.element.setValue(valueOf(reading.getBits(at), m_metric));
+    }
     m_container.metric->setData(tick, row.element, isTraced ? Metric::NO_DURATION : duration);
 }
 

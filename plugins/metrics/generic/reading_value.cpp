@@ -35,12 +35,7 @@ template <class Whole> Whole saturate(double value) {
 
 } // namespace
 
-Data valueOf(std::uint64_t bits, const MetricDeclaration& metric) {
-    const bool isPlain =
-        metric.scale.isWhole && metric.scale.whole == 1 && metric.offset.isWhole && metric.offset.whole == 0;
-    if (isPlain && metric.valueType == DataType::UINT && metric.rawType == DataType::UINT) {
-        return Data(bits);
-    }
+Data computedValue(std::uint64_t bits, const MetricDeclaration& metric) {
     const double real = realOf(bits, metric.rawType) * metric.scale.value + metric.offset.value;
     if (metric.valueType == DataType::REAL) {
         return Data(real);
