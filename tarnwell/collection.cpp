@@ -99,7 +99,9 @@ const std::vector<const CollectionData*>& Collection::read_i(const char* trigger
             std::max(m_outcome.longestIntervalMs, millisecondsOf_i(at - m_lastRead));
     }
     m_lastRead = at;
-    return m_parts.messages.read(trigger);
+    m_parts.messages.read(trigger);
+    // Up to the end of the reads, so that nothing of a later round is older than what this one read.
+    return m_parts.messages.drain(m_parts.system.startTSC, m_parts.clock.now());
 }
 
 void Collection::use_i(const std::vector<const CollectionData*>& round) {

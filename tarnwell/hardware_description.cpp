@@ -18,8 +18,10 @@ using State = MessageAvailability::State;
 
 constexpr std::array<const char*, 5> kMoments = {"INIT", "BEGIN", "POLL", "END", "FINI"};
 
+/// When a message is carried out, or what makes its source record by itself.
 bool hasMoment(const pwr::InputMsg& message) {
-    return std::any_of(kMoments.begin(), kMoments.end(),
+    return !message.getTracepointNames().empty() ||
+           std::any_of(kMoments.begin(), kMoments.end(),
                        [&](const char* moment) { return message.getTriggers().count(moment) != 0; });
 }
 
@@ -127,7 +129,7 @@ int HardwareDescription::probe_i(OfferedMessage& offered, const PluginSet& plugi
         availability = {State::ABSENT,
                         "message " + message.getName() + ": nothing carries it out at its triggers (" +
                             joined(message.getTriggers()) + ")",
-                        "use INIT, BEGIN, POLL, END or FINI"};
+                        "use INIT, BEGIN, POLL, END, FINI or TRACEPOINT=NAME"};
     } else if (isRead(message)) {
         availability = offered.collector->probe(*offered.record);
     }

@@ -229,6 +229,37 @@ const std::vector<const CollectionData*>& MessageSet::read(const std::string& tr
     return m_round;
 }
 
+const std::vector<const CollectionData*>& MessageSet::drain(std::uint64_t from, std::uint64_t until) {
+    m_drained.clear();
+    for (const std::unique_ptr<Message>& message : m_messages) {
+        if (message->written == nullptr && !message->metadata->getTracepointNames().empty()) {
+            drainOne_i(*message, until);
+        }
+    }
+    for (const CollectionData& record : m_drained) {
+        if (record.header().timestamp >= from) {
+            count_i(record);
+            m_round.push_back(&record);
+        }
+    }
+    if (!m_drained.empty()) {
+        std::stable_sort(m_round.begin(), m_round.end(), [](const auto* left, const auto* right) {
+            return left->header().timestamp < right->header().timestamp;
+        });
+    }
+    return m_round;
+}
+
+void MessageSet::drainOne_i(const Message& message, std::uint64_t until) {
+    const std::size_t before = m_drained.size();
+    if (message.collector->drain(*message.metadata, until, m_drained) != 0) {
+        ++m_failedReads;
+    }
+    for (std::size_t i = before; i < m_drained.size(); ++i) {
+        m_drained[i].header().id = idOf_i(*message.metadata);
+    }
+}
+
 /// Carries a message out, on the processor that it names. What cannot go there is not carried out elsewhere: it would
 /// give the counters of another processor.
 bool MessageSet::execute_i(Message& message) {

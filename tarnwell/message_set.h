@@ -53,6 +53,10 @@ public:
     /// together in time as the collectors allow.
     const std::vector<const CollectionData*>& read(const std::string& trigger);
 
+    /// Adds to the last round what the messages with tracepoints recorded by themselves from tick @p from to before
+    /// tick @p until of the default clock, and puts all of the round in order of time.
+    const std::vector<const CollectionData*>& drain(std::uint64_t from, std::uint64_t until);
+
     /// Ends the reading: releases what the collectors hold.
     void close();
 
@@ -86,6 +90,7 @@ private:
     void open_i(CollectorPlugin* collector, const pwr::MsgMetadata& metadata, const pwr::InputMsg* input,
                 bool isLive);
     bool execute_i(Message& message);
+    void drainOne_i(const Message& message, std::uint64_t until);
     void noteUnserved_i(const HardwareDescription& description, const std::set<std::string>& features);
     void count_i(const CollectionData& data);
     static id_config_t idOf_i(const pwr::MsgMetadata& metadata);
@@ -93,6 +98,7 @@ private:
     std::vector<std::unique_ptr<pwr::Metadata>> m_declarations;
     std::vector<std::unique_ptr<Message>> m_messages;
     std::vector<const CollectionData*> m_round;
+    std::vector<CollectionData> m_drained;
     std::vector<OpenFailure> m_failures;
     std::vector<std::string> m_problems;
     unsigned m_collectorCount = 0;
