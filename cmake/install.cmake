@@ -36,6 +36,16 @@ endif()
 install(DIRECTORY common DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING
         PATTERN *.h PATTERN posix EXCLUDE PATTERN win32 EXCLUDE)
 
+# Debian has a package for the headers that ours include; on Windows they come along, with their license.
+if(WIN32)
+    install(DIRECTORY ${KRCOMMON_FOREIGN_INCLUDE}/nlohmann/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nlohmann)
+    if(EXISTS /usr/share/doc/nlohmann-json3-dev/copyright)
+        install(FILES /usr/share/doc/nlohmann-json3-dev/copyright DESTINATION licenses RENAME nlohmann-json.txt)
+    endif()
+else()
+    target_link_libraries(KRCommon PUBLIC $<INSTALL_INTERFACE:nlohmann_json::nlohmann_json>)
+endif()
+
 if(WIN32)
     install(FILES ${KRCOMMON_RUNTIME_DLLS} DESTINATION ${KRCOMMON_HOME})
     get_property(licenses GLOBAL PROPERTY KRCOMMON_FOREIGN_LICENSES)

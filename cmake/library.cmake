@@ -8,6 +8,8 @@ target_compile_definitions(KRCommon PRIVATE KRCOMMON_BUILDING)
 target_include_directories(KRCommon PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
                                            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 target_link_libraries(KRCommon PRIVATE krcommon_zstd krcommon_pugixml Threads::Threads ${CMAKE_DL_LIBS})
+# The one library that public headers name. Whoever uses the installed library finds it by itself (see install.cmake).
+target_link_libraries(KRCommon PUBLIC $<BUILD_INTERFACE:krcommon_json>)
 
 if(WIN32)
     # Lists the machine's devices.
