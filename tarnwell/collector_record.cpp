@@ -29,19 +29,18 @@ void addFeature(Values& values, const Feature& feature, const OpenFailure* failu
     add(values, "STATE", isAvailable ? kAvailable : "off");
     add(values, "REASON", failure == nullptr ? feature.reason : failure->reason);
     add(values, "FIX", failure == nullptr ? feature.fix : failure->fix);
+    for (const std::string& group : feature.groups) {
+        add(values, "GROUP", group);
+    }
 }
 
 /// What a collector can do here: by the hardware description, and by itself.
 std::vector<Feature> featuresOf(const HardwareDescription& description, const CollectorPlugin& collector) {
     std::vector<Feature> features = description.features(&collector);
     for (const PluginCapability* capability : collector.getCapabilities()) {
-        features.push_back({capability->getName(),
-                            capability->getDescription(),
-                            capability->isAvailable(),
-                            capability->getReason(),
-                            capability->getFix(),
-                            capability->isHidden(),
-                            {}});
+        features.push_back({capability->getName(), capability->getDescription(), capability->isAvailable(),
+                            capability->getReason(), capability->getFix(), capability->isHidden(),
+                            capability->getGroups()});
     }
     return features;
 }
@@ -56,6 +55,9 @@ void setFact(Feature& feature, const std::string& key, const std::string& value)
         }
     }
     feature.isAvailable = feature.isAvailable || (key == "STATE" && value == kAvailable);
+    if (key == "GROUP") {
+        feature.groups.insert(value);
+    }
 }
 
 } // namespace

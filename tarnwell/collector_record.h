@@ -17,7 +17,7 @@ class PluginSet;
 
 /// What a saved collection keeps of each collector, in the order of their numbers: VERSION (of the library that it was
 /// built with) and CLOCK (the UUID of the clock that stamps its readings), then for each feature FEATURE, DESCRIPTION,
-/// STATE ("available" or "off"), REASON and FIX. Keys without a value are left out.
+/// STATE ("available" or "off"), REASON, FIX and each GROUP. Keys without a value are left out.
 std::vector<std::unique_ptr<pwr::CollectorMetadata>> collectorRecords(const PluginSet& plugins,
                                                                       const HardwareDescription& description,
                                                                       const MessageSet& messages,

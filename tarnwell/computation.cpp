@@ -1,6 +1,7 @@
 #include "tarnwell/computation.h"
 
 #include "common/metadata/system_metadata.h"
+#include "common/metrics/thermal_sample_handler.h"
 #include "common/plugin/metric_plugin.h"
 #include "common/writer/writer_message.h"
 #include "common/writer/writer_stream.h"
@@ -44,7 +45,10 @@ int Computation::report(const pwr::SystemMetadata& system, const std::vector<std
     for (const std::string& note : notes) {
         stream.pushTextMessage(note);
     }
-    return pwr::WriterStreamHost::flush(stream);
+    const int written = pwr::WriterStreamHost::flush(stream);
+    pwr::ThermalSampleHandler::
+        freeInstance(); // its notes had to last until now, and the record does not last longer
+    return written;
 }
 
 } // namespace tarnwell

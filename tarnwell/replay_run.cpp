@@ -82,17 +82,19 @@ private:
             const bool isHeld = std::any_of(messages.begin(), messages.end(), [&](const auto* message) {
                 return isNamed(*message->metadata, name);
             });
-            const Feature* feature = features.find(name);
             if (isHeld) {
                 continue;
             }
-            if (feature == nullptr) {
+            const std::vector<const Feature*> selected = features.select(name);
+            if (selected.empty()) {
                 return fail(ExitCode::USAGE,
                             "unknown feature \"" + name +
                                 "\"; the collecting machine offered: " + features.names(true));
             }
-            m_missing.push_back(feature->isAvailable ? name + " was not collected"
-                                                     : unavailableText(*feature));
+            for (const Feature* feature : selected) {
+                m_missing.push_back(feature->isAvailable ? feature->name + " was not collected"
+                                                         : unavailableText(*feature));
+            }
         }
         return 0;
     }

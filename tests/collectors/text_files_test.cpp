@@ -203,7 +203,7 @@ TEST_F(TextFilesTest, zoneThatIsASensorTooAppearsOnce) {
               read(*sensors));
     const MsgMetadata* zones = openShipped("TEMPERATURE-ZONES");
     ASSERT_NE(nullptr, zones);
-    EXPECT_EQ("x86_pkg_temp/Zone=45000", read(*zones));
+    EXPECT_EQ("x86_pkg_temp=45000", read(*zones));
 }
 
 TEST_F(TextFilesTest, offlineProcessorIsMissingNotStandingStill) {

@@ -21,7 +21,7 @@
 
 namespace tests {
 
-/// The metric modules, and one message that begins at tick 1000 of a 1000 MHz clock.
+/// The metric modules, and messages of a collection that begins at tick 1000 of a 1000 MHz clock.
 class MetricPluginFixture : public ::testing::Test {
 protected:
     using Keys = std::vector<std::pair<std::string, std::string>>;
@@ -31,6 +31,7 @@ protected:
         pwr::WriterInterfaceConfigFileParser::instance();
         loadModule(m_loader, "generic");
         loadModule(m_loader, "residency_carry");
+        loadModule(m_loader, "temperatures");
         m_system.startTSC = 1000;
         m_system.twaClockFreq = 1000.0F;
     }
@@ -38,15 +39,15 @@ protected:
         m_loader.unload();
         pwr::WriterInterfaceConfigFileParser::destroy();
     }
-    void SetUp() override { ASSERT_EQ(2U, m_loader.getPlugins<MetricPlugin>().size()); }
+    void SetUp() override { ASSERT_EQ(3U, m_loader.getPlugins<MetricPlugin>().size()); }
 
-    /// Declares the message, a value for each "entity" or "entity/descriptor"; equal names are one handle.
-    void declare(const Keys& keys, const std::vector<std::string>& instances) {
-        pwr::MsgMetadata message(1, 1, 1, "feature", "MSG");
+    /// Declares a message, a value for each "entity" or "entity/descriptor"; equal names are one handle.
+    void declare(const Keys& keys, const std::vector<std::string>& instances, pw_u8_t number = 1) {
+        pwr::MsgMetadata message(1, number, number, "feature", "MSG");
         const Keys defaults{{"METRIC-NAME", "M"}, {"CONTAINER-TAG", "TAG"}};
         Keys all = keys;
         all.insert(all.begin(), defaults.begin(), defaults.end());
-        const pwr::MetricMetadata metric(1, 1, all);
+        const pwr::MetricMetadata metric(1, number, all);
         MessageInstances handles;
         for (const std::string& name : instances) {
             const std::size_t slash = name.find('/');
@@ -61,10 +62,10 @@ protected:
             plugin->initializeCollection(m_system);
         }
     }
-    void read(std::uint64_t tick, const Values& values, pw_u8_t flags = 0) {
+    void read(std::uint64_t tick, const Values& values, pw_u8_t flags = 0, pw_u8_t number = 1) {
         CollectionData reading;
         reading.header().timestamp = tick;
-        reading.header().id = {1, 1, 1};
+        reading.header().id = {1, number, number};
         reading.header().flags = flags;
         for (const auto& value : values) {
             value ? reading.add(*value) : reading.addMissing();
@@ -91,6 +92,8 @@ protected:
 
     pwr::SystemMetadata m_system;
     pwr::LogCapture m_log;
+    TableCapture m_capture;
+    pwr::PluginLoader m_loader;
 
 private:
     static std::string rowsOf_i(const TableText& table) {
@@ -117,8 +120,6 @@ private:
         return known != nullptr ? known : pwr::DataDescriptorBuilder(name).build();
     }
 
-    TableCapture m_capture;
-    pwr::PluginLoader m_loader;
     std::vector<const pwr::EntityHandle*> m_entities;
 };
 

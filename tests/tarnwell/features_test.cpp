@@ -156,26 +156,26 @@ TEST_F(Features, shippedDescriptionHasNoFaultAndSaysWhyThingsAreAbsent) {
     const std::string bundle = (dataFolder() / "machines" / "no_idle_states.bundle").string();
     EXPECT_EQ(
         "Features of this machine:\n"
-        "  idle         no   time in idle states, per logical processor\n"
-        "                    why: the kernel offers no idle states (/sys/devices/system/cpu/cpu*/cpuidle)\n"
-        "                    fix: use a kernel with cpuidle; a virtual machine must be given idle states by "
+        "  idle        no   time in idle states, per logical processor\n"
+        "                   why: the kernel offers no idle states (/sys/devices/system/cpu/cpu*/cpuidle)\n"
+        "                   fix: use a kernel with cpuidle; a virtual machine must be given idle states by "
         "its host\n"
-        "  cpu          yes  processor time by mode, per logical processor\n"
-        "  network      yes  bytes and packets, per network interface\n"
-        "  disk         no   bytes and operations, per block device\n"
-        "                    why: /sys/block/vda/stat may not be read\n"
-        "                    fix: run as root, or let this user read that file\n"
-        "  interrupts   yes  interrupts per logical processor, and context switches\n"
-        "  frequency    no   frequency, per logical processor\n"
-        "                    why: neither cpufreq files (/sys/devices/system/cpu/cpu*/cpufreq) nor a "
+        "  cpu         yes  processor time by mode, per logical processor\n"
+        "  network     yes  bytes and packets, per network interface\n"
+        "  disk        no   bytes and operations, per block device\n"
+        "                   why: /sys/block/vda/stat may not be read\n"
+        "                   fix: run as root, or let this user read that file\n"
+        "  interrupts  yes  interrupts per logical processor, and context switches\n"
+        "  frequency   no   frequency, per logical processor\n"
+        "                   why: neither cpufreq files (/sys/devices/system/cpu/cpu*/cpufreq) nor a "
         "frequency in /proc/cpuinfo\n"
-        "                    fix: load the driver for the processor's frequency control; virtual machines "
+        "                   fix: load the driver for the processor's frequency control; virtual machines "
         "usually have none\n"
-        "  temperature  no   temperatures of sensors and thermal zones\n"
-        "                    why: no sensors in /sys/class/hwmon or /sys/class/thermal\n"
-        "                    fix: load the drivers of the machine's sensors; virtual machines usually have "
+        "  temp        no   temperatures of sensors and thermal zones\n"
+        "                   why: no sensors in /sys/class/hwmon or /sys/class/thermal\n"
+        "                   fix: load the drivers of the machine's sensors; virtual machines usually have "
         "none\n"
-        "  memory       yes  system memory\n",
+        "  memory      yes  system memory\n",
         runProgram(m_scratch, {"doctor", "--machine", bundle}).output);
 }
 

@@ -182,7 +182,7 @@ TEST(Saved, aReportCanShowLessOrUnderOtherTitles) {
     // Not on the machine that collected; the reason is that machine's.
     expectSaid(
         runProgram(scratch, {"--input", "good.twc", "--feature", "temperature", "--feature", "cpu"}), 3,
-        {"temperature is not available: no sensors in", "Processor time by mode", "Missing: temperature"});
+        {"temp is not available: no sensors in", "Processor time by mode", "Missing: temp"});
     writeFile("own.cfg", "cpu_CPU-TIME_TOTAL-RESIDENCY_TITLE_VALUE=My own title\n");
     const ProgramResult own = runProgram(scratch, {"--input", "good.twc", "--output-config", "own.cfg"});
     EXPECT_EQ(0, own.exitCode);

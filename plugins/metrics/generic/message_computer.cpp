@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "common/metrics/prefetch.h"
-#include "plugins/metrics/generic/reading_value.h"
+#include "plugins/metrics/reading_value.h"
 
 namespace pwr {
 

@@ -1,4 +1,4 @@
-#include "plugins/metrics/generic/reading_value.h"
+#include "plugins/metrics/reading_value.h"
 
 #include <bit>
 #include <cmath>
@@ -35,8 +35,12 @@ template <class Whole> Whole saturate(double value) {
 
 } // namespace
 
+double realValueOf(std::uint64_t bits, const MetricDeclaration& metric) {
+    return realOf(bits, metric.rawType) * metric.scale.value + metric.offset.value;
+}
+
 Data computedValue(std::uint64_t bits, const MetricDeclaration& metric) {
-    const double real = realOf(bits, metric.rawType) * metric.scale.value + metric.offset.value;
+    const double real = realValueOf(bits, metric);
     if (metric.valueType == DataType::REAL) {
         return Data(real);
     }

@@ -14,6 +14,9 @@ inline Data valueOf(std::uint64_t bits, const MetricDeclaration& metric);
 /// The same for values that are not simply the bits.
 Data computedValue(std::uint64_t bits, const MetricDeclaration& metric);
 
+/// The same as a real number, whatever the declared type.
+double realValueOf(std::uint64_t bits, const MetricDeclaration& metric);
+
 // Inlined, because most values of most collections are just the bits, and making one is a few stores.
 inline Data valueOf(std::uint64_t bits, const MetricDeclaration& metric) {
     return metric.isRaw ? Data(bits) : computedValue(bits, metric);
