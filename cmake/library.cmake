@@ -12,8 +12,8 @@ target_link_libraries(KRCommon PRIVATE krcommon_zstd krcommon_pugixml Threads::T
 target_link_libraries(KRCommon PUBLIC $<BUILD_INTERFACE:krcommon_json>)
 
 if(WIN32)
-    # Lists the machine's devices.
-    target_link_libraries(KRCommon PRIVATE setupapi)
+    # List the machine's devices; wait for a word in memory.
+    target_link_libraries(KRCommon PRIVATE setupapi synchronization)
 else()
     # Nobody replaces single functions of this library at load time, so its own calls may be direct and inlined, as
     # they are on Windows.

@@ -165,14 +165,32 @@ void logDebug(const char* format, ...) {
     va_end(arguments);
 }
 
-void logTrace(const char* tag, const char* format, ...) {
+namespace {
+
+void logTraceArguments(const char* tag, const char* format, va_list arguments) {
     Logger* const logger = g_pluginEnvironment->getDebugLogger();
-    if (logger == nullptr || !g_pluginEnvironment->isDebugLoggingEnabledFor(tag)) {
-        return;
+    if (logger != nullptr && g_pluginEnvironment->isDebugLoggingEnabledFor(tag)) {
+        logger->log(PWLogLevel::DEBUG, formatText("", format, arguments).c_str());
     }
+}
+
+} // namespace
+
+void logTrace(const char* tag, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    logger->log(PWLogLevel::DEBUG, formatText("", format, arguments).c_str());
+    logTraceArguments(tag, format, arguments);
+    va_end(arguments);
+}
+
+void logTaggedWarning(const char* tag, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    if (isLogEnabled(PWLogLevel::WARNING)) {
+        logMessageArguments(PWLogLevel::WARNING, format, arguments);
+    } else {
+        logTraceArguments(tag, format, arguments);
+    }
     va_end(arguments);
 }
 

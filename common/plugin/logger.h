@@ -129,8 +129,12 @@ KRCOMMON_API void logDebug(const char* format, ...) KRCOMMON_PRINTF(1, 2);
 
 /// Writes as a trace of one subject: only when debug logging is switched on for the tag, and then
 /// whatever the verbosity is, to the debug logger. Debug output is chosen by subject, because the
-/// verbosity itself never reaches DEBUG. One thread: the set of tags is not locked.
+/// verbosity itself never reaches DEBUG. The set of tags is not locked: it is filled before threads start.
 KRCOMMON_API void logTrace(const char* tag, const char* format, ...) KRCOMMON_PRINTF(2, 3);
+
+/// A warning of a subject that can be traced: like logWarning(), and with a verbosity that holds warnings back it is
+/// written as a trace of the tag. May be called on any thread.
+KRCOMMON_API void logTaggedWarning(const char* tag, const char* format, ...) KRCOMMON_PRINTF(2, 3);
 
 /// Like logMessage(), with the level's own prefix and ": " before the text ("ERROR: text").
 KRCOMMON_API void logPrefixed(PWLogLevel level, const char* format, ...) KRCOMMON_PRINTF(2, 3);
