@@ -43,6 +43,18 @@ bool CollectorTypes::isKnown(const std::string& type) const {
     return m_types.count(type) != 0 || OperationKinds::contains(type);
 }
 
+std::string CollectorTypes::list() const {
+    std::set<std::string> types = OperationKinds::getTypes();
+    for (const auto& [type, entry] : m_types) {
+        types.insert(type);
+    }
+    std::string text;
+    for (const std::string& type : types) {
+        text += (text.empty() ? "" : ", ") + type;
+    }
+    return text;
+}
+
 bool CollectorTypes::isCategoryKnown(const std::string& type, const std::string& category) const {
     const auto entry = m_types.find(type);
     return entry != m_types.end() && entry->second.categories.count(category) != 0;

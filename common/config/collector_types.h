@@ -22,6 +22,8 @@ public:
 
     /// Also true for types that come with an operation kind.
     [[nodiscard]] bool isKnown(const std::string& type) const;
+    /// The known types, separated by ", ".
+    [[nodiscard]] std::string list() const;
     [[nodiscard]] bool isCategoryKnown(const std::string& type, const std::string& category) const;
     /// Null when nobody serves the type.
     [[nodiscard]] CollectorPlugin* getCollector(const std::string& type) const;

@@ -72,6 +72,7 @@ private:
     int closeNames_i();
     int addTrigger_i(std::string_view word);
     void warnIfCopied_i() const;
+    int payForCopy_i(const InputMsg& message);
 
     Parser& m_parser;
     const CollectorTypes& m_collectors;
@@ -84,6 +85,7 @@ private:
     InputMsg* m_message = nullptr;
     Operation* m_operation = nullptr;
     std::string_view m_category;
+    std::size_t m_copied = 0; ///< operations and their keys, by all groups and sources so far
     // The value of a WHEN attribute, item by item.
     std::string_view m_item;
     TWOpCommand m_command = TWOpCommand::UNSET;

@@ -17,6 +17,9 @@ constexpr std::array<std::string_view, 6> TRIGGER_WORDS = {"INIT", "BEGIN", "POL
 constexpr std::string_view TRACEPOINT = "TRACEPOINT";
 constexpr std::string_view NOTIFIER = "NOTIFIER";
 
+// Groups of groups and sources of groups multiply: few lines could ask for more than any memory holds.
+constexpr std::size_t MAX_COPIED = 1000000;
+
 bool isTriggerWord(std::string_view word) {
     return std::find(TRIGGER_WORDS.begin(), TRIGGER_WORDS.end(), word) != TRIGGER_WORDS.end();
 }
@@ -66,6 +69,7 @@ int HardwareConfigGrammar::msgGroupList_i() {
                        std::string(name).c_str());
             return fail_i("no message " + std::string(name) + " stands before this line");
         }
+        if (payForCopy_i(*member) != 0) return -1;
         if (m_message->append(*member) != 0) {
             return fail_i("message " + std::string(name) + " cannot be a part of " + m_message->getName());
         }
@@ -99,10 +103,23 @@ int HardwareConfigGrammar::msgSourceRule_i() {
         logWarning("WARNING: CANNOT source from non-existant msg %s!\n", name.c_str());
         return fail_i("no message " + name + " stands before this line");
     }
+    if (payForCopy_i(*source) != 0) return -1;
     if (m_message->sourceFrom(*source) != 0) {
         return fail_i("message " + m_message->getName() + " cannot take the operations of " + name);
     }
     return 0;
+}
+
+/// Once the files have asked for too much, nothing is copied any more.
+int HardwareConfigGrammar::payForCopy_i(const InputMsg& message) {
+    if (m_copied <= MAX_COPIED) {
+        for (const Operation* operation : message) {
+            m_copied += 1 + operation->getKeyCount();
+        }
+    }
+    return m_copied <= MAX_COPIED ? 0
+                                  : fail_i("groups and sources copy more than " + std::to_string(MAX_COPIED) +
+                                           " keys and operations in all");
 }
 
 int HardwareConfigGrammar::msgReadWhere_i() {

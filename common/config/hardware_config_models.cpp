@@ -118,9 +118,8 @@ int HardwareConfigGrammar::modelTAFRule_i() {
 int HardwareConfigGrammar::TAFValue_i() {
     std::vector<pw_u32_t> guids;
     if (readGUIDs_i(guids) != 0) return -1;
-    const std::vector<pw_u32_t> known = m_platform->getTAFGUIDs();
     for (const pw_u32_t guid : guids) {
-        if (std::find(known.begin(), known.end(), guid) == known.end()) {
+        if (m_platform->noteTAFGUID(guid)) {
             g_pluginEnvironment->addTAFPlatformGUID(m_platform->getName(), guid);
         }
     }
@@ -138,7 +137,6 @@ int HardwareConfigGrammar::TAFDeprecatedGUIDs_i() {
     std::vector<pw_u32_t> guids;
     if (readGUIDs_i(guids) != 0) return -1;
     m_platform->addDeprecatedGUIDs(guids);
-    g_pluginEnvironment->setDeprecatedTAFGUIDs(m_platform->getName(), m_platform->getDeprecatedGUIDs());
     return 0;
 }
 

@@ -83,7 +83,7 @@ int HardwareConfigGrammar::hwMechRule_i() {
         const std::string typeWord(type);
         if (!m_collectors.isKnown(typeWord)) {
             logError("ERROR: unknown collector type %s\n", typeWord.c_str());
-            return fail_i(R"(field 4 must be "MSG", "CONSTANT" or a collector type)");
+            return fail_i(R"(field 4 must be "MSG", "CONSTANT" or a collector type: )" + m_collectors.list());
         }
         m_operation = addOperation(*m_message, OperationKinds::make(m_message->getName(), typeWord));
     }

@@ -62,7 +62,8 @@ std::string InputMsg::getFullName() const {
 }
 
 int InputMsg::addTrigger(TWOpCommand command, const std::string& trigger, Detail detail) {
-    if ((m_command != TWOpCommand::UNSET && m_command != command) || !areOperationsCompatible_i(command)) {
+    // Operations of a message with a command were asked when they came.
+    if (m_command != command && (m_command != TWOpCommand::UNSET || !areOperationsCompatible_i(command))) {
         std::fputs("Commands are not compatible!\n", stderr);
         return -1;
     }
@@ -123,27 +124,39 @@ int InputMsg::addOperation(Operation* operation) {
         std::fputs("Commands are not compatible!\n", stderr);
         return -1;
     }
-    if (!std::all_of(begin(), end(),
-                     [operation](const Operation* o) { return operation->hasCollectorOf(*o); })) {
+    if (m_work != nullptr && !operation->hasCollectorOf(*m_work)) {
         logWarning("Cannot add operation %s to message %s because the collectors are different!\n",
                    operation->getName().c_str(), m_name.c_str());
         return -1;
     }
-    m_ownedOperations.emplace_back(operation);
-    m_operations.push_back(operation);
+    take_i(operation);
     return 0;
 }
 
+void InputMsg::take_i(Operation* operation) {
+    m_ownedOperations.emplace_back(operation);
+    m_operations.push_back(operation);
+    if (operation->getOrgMsgTag() == m_name) {
+        m_ownOperations.push_back(operation);
+    }
+    if (m_work == nullptr && !operation->getCollectorType().empty()) {
+        m_work = operation;
+    }
+}
+
 void InputMsg::resetOperations() {
+    m_work = nullptr;
+    m_ownOperations.clear();
     m_operations.clear();
     m_ownedOperations.clear();
 }
 
 Operation* InputMsg::findOwnOperation(std::string_view collectorType) const {
-    const auto found = std::find_if(begin(), end(), [&](const Operation* operation) {
-        return operation->getOrgMsgTag() == m_name && operation->getCollectorType() == collectorType;
-    });
-    return found == end() ? nullptr : *found;
+    const auto found =
+        std::find_if(m_ownOperations.begin(), m_ownOperations.end(), [&](const Operation* operation) {
+            return operation->getCollectorType() == collectorType;
+        });
+    return found == m_ownOperations.end() ? nullptr : *found;
 }
 
 int InputMsg::execute(const std::vector<std::pair<std::string, std::string>>& values) const {

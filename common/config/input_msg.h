@@ -131,6 +131,7 @@ private:
     bool hasCollectorOf_i(const InputMsg& other) const;
     bool areReadTriggersCompatible_i(const InputMsg& member, Detail detail) const;
     void copyOperationsOf_i(const InputMsg& other);
+    void take_i(Operation* operation);
 
     std::string m_name;
     std::string m_configfilePrefix;
@@ -150,6 +151,9 @@ private:
     TriggerSet m_maxDetail;
     std::vector<std::unique_ptr<Operation>> m_ownedOperations;
     std::vector<Operation*> m_operations; ///< the same, as they are handed out
+    std::vector<Operation*>
+        m_ownOperations;               ///< those of its own tag, which are few whatever a group has copied
+    const Operation* m_work = nullptr; ///< the first that has a collector: it speaks for all of them
     const EntityHandle* m_entity = nullptr;
 };
 

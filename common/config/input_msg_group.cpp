@@ -20,16 +20,12 @@ void InputMsg::copyOperationsOf_i(const InputMsg& other) {
         if (m_command != TWOpCommand::UNSET && !operation->isValidCommand(m_command)) {
             continue;
         }
-        m_ownedOperations.emplace_back(operation->clone());
-        m_operations.push_back(m_ownedOperations.back().get());
+        take_i(operation->clone());
     }
 }
 
 bool InputMsg::hasCollectorOf_i(const InputMsg& other) const {
-    return std::all_of(begin(), end(), [&other](const Operation* own) {
-        return std::all_of(other.begin(), other.end(),
-                           [own](const Operation* operation) { return own->hasCollectorOf(*operation); });
-    });
+    return m_work == nullptr || other.m_work == nullptr || m_work->hasCollectorOf(*other.m_work);
 }
 
 bool InputMsg::areReadTriggersCompatible_i(const InputMsg& member, Detail detail) const {

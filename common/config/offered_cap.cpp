@@ -36,8 +36,8 @@ std::vector<const Operation*> collectorsOf(const std::vector<InputMsg*>& message
 
 /// A capability may be extended by work of the collectors that it uses already, and of no other.
 bool addsCollector(const std::vector<InputMsg*>& parents, const std::vector<InputMsg*>& children) {
-    const std::vector<const Operation*> known = collectorsOf(parents);
     const std::vector<const Operation*> added = collectorsOf(children);
+    const std::vector<const Operation*> known = collectorsOf(added.empty() ? children : parents);
     return !known.empty() && std::any_of(added.begin(), added.end(), [&known](const Operation* operation) {
         return std::none_of(known.begin(), known.end(),
                             [operation](const Operation* o) { return o->hasCollectorOf(*operation); });
@@ -46,6 +46,9 @@ bool addsCollector(const std::vector<InputMsg*>& parents, const std::vector<Inpu
 
 void extendMessages(std::vector<InputMsg*>& messages, const std::vector<InputMsg*>& children,
                     CapMergeReport& report) {
+    if (children.empty()) {
+        return;
+    }
     std::unordered_map<std::string_view, std::size_t> places;
     for (std::size_t place = 0; place < messages.size(); ++place) {
         places.emplace(messages[place]->getName(), place);

@@ -22,6 +22,10 @@ int Operation::addKey(std::string_view /*key*/, std::string_view /*value*/) {
     return -1;
 }
 
+std::size_t Operation::getKeyCount() const {
+    return 0;
+}
+
 std::unique_ptr<OperationMetadata> Operation::createMetadata() const {
     return std::make_unique<OperationMetadata>(m_name, getCollectorType(), 0, m_orgMsgTag,
                                                OperationMetadata::ValueList());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -42,6 +43,8 @@ public:
     virtual const std::string& getCollectorType() const;
     /// Takes one key and its value; 0, or -1 when the key is set already or the operation takes none.
     virtual int addKey(std::string_view key, std::string_view value);
+    /// How many keys it has been given.
+    virtual std::size_t getKeyCount() const;
     /// As it is saved with a collection.
     virtual std::unique_ptr<OperationMetadata> createMetadata() const;
     /// What a message's record holds of it: one operation, or one for each part that its keys name.
@@ -93,6 +96,7 @@ public:
     /// -1 and an error when the key is set already; the first value stays.
     int set(const std::string& key, const std::string& value) { return addKey(key, value); }
     int addKey(std::string_view key, std::string_view value) override;
+    std::size_t getKeyCount() const override { return m_pairs.get().size(); }
     std::unique_ptr<OperationMetadata> createMetadata() const override;
     bool isOperationSuitableFor(const CollectorPlugin* collector) const override;
 
@@ -121,6 +125,7 @@ public:
     HWOperation* clone() const override;
     const std::string& getCollectorType() const override { return m_collectorType; }
     int addKey(std::string_view key, std::string_view value) override;
+    std::size_t getKeyCount() const override { return m_pairs.get().size(); }
     /// The width of the counter is that of the key WIDTH, in bits; without one it is 64.
     std::unique_ptr<OperationMetadata> createMetadata() const override;
     std::vector<std::unique_ptr<OperationMetadata>> createAllMetadata() const override;

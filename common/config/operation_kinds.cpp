@@ -29,6 +29,14 @@ bool OperationKinds::contains(const std::string& collectorType) {
     return theTable().count(collectorType) != 0;
 }
 
+std::set<std::string> OperationKinds::getTypes() {
+    std::set<std::string> types;
+    for (const auto& [type, factory] : theTable()) {
+        types.insert(type);
+    }
+    return types;
+}
+
 std::unique_ptr<Operation> OperationKinds::make(const std::string& name, const std::string& collectorType) {
     const auto kind = theTable().find(collectorType);
     return kind == theTable().end() ? makeHWOperation(name, collectorType)

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "common/config/operation.h"
@@ -22,6 +23,7 @@ public:
     static void add(const std::string& collectorType, Factory factory);
     /// Whether the type is in the table.
     static bool contains(const std::string& collectorType);
+    static std::set<std::string> getTypes();
     /// Null when the type's factory makes none.
     static std::unique_ptr<Operation> make(const std::string& name, const std::string& collectorType);
 };

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "common/config/config_specifier.h"
@@ -43,6 +44,8 @@ public:
     bool isDeprecated(const std::string& type, const std::string& value) const;
     /// The GUIDs of all its telemetry specifiers.
     std::vector<pw_u32_t> getTAFGUIDs() const;
+    /// Whether a GUID that a telemetry specifier is to have is the first of its number.
+    bool noteTAFGUID(pw_u32_t guid) { return m_notedGUIDs.insert(guid).second; }
 
     DeclaredCap& getOrCreateCap(std::string_view prefix);
     const NamedList<DeclaredCap>& getDeclaredCaps() const { return m_caps; }
@@ -57,6 +60,7 @@ private:
     std::vector<const Platform*> m_children;
     std::vector<std::unique_ptr<ConfigSpecifier>> m_specifiers;
     std::vector<pw_u32_t> m_deprecatedGUIDs;
+    std::unordered_set<pw_u32_t> m_notedGUIDs;
     NamedList<DeclaredCap> m_caps;
 };
 

@@ -74,7 +74,7 @@ bool StatementReader::split_i(Statement& statement, std::size_t equals) noexcept
     for (std::size_t field = 0; field + 2 < Statement::FIELD_COUNT; ++field) {
         const std::size_t delimiter = head.find('_');
         if (delimiter == std::string_view::npos) {
-            m_problem = R"(fewer than four "_" before the first "=")";
+            m_problem = R"(fewer than four "_" before the first "="; F1_F2_F3_F4_F5=VALUE expected)";
             return false;
         }
         statement.fields[field] = head.substr(0, delimiter);
@@ -84,7 +84,7 @@ bool StatementReader::split_i(Statement& statement, std::size_t equals) noexcept
     statement.fields[Statement::VALUE] = line.substr(equals + 1);
     for (std::size_t field = 0; field < Statement::VALUE; ++field) {
         if (statement.fields[field].empty()) {
-            m_problem = "a field before the first \"=\" is empty";
+            m_problem = R"(a field before the first "=" is empty; F1_F2_F3_F4_F5=VALUE expected)";
             return false;
         }
     }

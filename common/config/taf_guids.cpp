@@ -5,6 +5,7 @@
 #include "common/config/parser.h"
 #include "common/config/specifier_values.h"
 #include "common/plugin/logger.h"
+#include "common/plugin/plugin_environment.h"
 #include "common/pw_utils.h"
 
 namespace pwr {
@@ -17,6 +18,14 @@ void warnOfDeprecatedGUID(const Parser& parser, const std::pair<std::string, std
                     [guid](const auto& entry) { return entry.second->isDeprecatedGUID(guid); })) {
         logWarning("WARNING: Deprecated GUID detected: 0x%x\n", guid);
         logWarning("Please check the Release Notes for the Tarnwell version that supports this GUID.\n");
+    }
+}
+
+void publishDeprecatedGUIDs(const Parser& parser) {
+    for (const auto& [name, platform] : parser.getPlatforms()) {
+        if (!platform->getDeprecatedGUIDs().empty()) {
+            g_pluginEnvironment->setDeprecatedTAFGUIDs(name, platform->getDeprecatedGUIDs());
+        }
     }
 }
 

@@ -15,6 +15,9 @@ class Platform;
 /// Says so when a value to be matched is a telemetry GUID that a platform no longer supports.
 void warnOfDeprecatedGUID(const Parser& parser, const std::pair<std::string, std::string>& specifier);
 
+/// Enters into the environment which GUIDs each platform no longer supports.
+void publishDeprecatedGUIDs(const Parser& parser);
+
 /// Warns of every GUID that the platform is described with and that the machine lacks.
 KRCOMMON_API void warnOfMissingGUIDs(const Platform& platform, const std::set<pw_u32_t>& machineGUIDs);
 

@@ -102,6 +102,7 @@ int TWConfigFileParser::parseText(const std::string& name, std::string_view text
 
 int TWConfigFileParser::finish_i(int result) {
     m_contents->delivery.refresh();
+    publishDeprecatedGUIDs(*m_contents->parser);
     addImplicitTriggers(*m_contents->parser);
     const int sanity = checkSanity(*m_contents->parser);
     return result == 0 && sanity == 0 ? 0 : 1;

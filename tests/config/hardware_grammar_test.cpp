@@ -49,7 +49,7 @@ TEST_F(HardwareConfigTest, namesWhatIsWrongInAModelStatement) {
         "a part of the platform name is empty: \"-\" joins parts, and what stands before the last one names "
         "the "
         "parent (rule platformHead)");
-    bad("A_B_C=D_E_F=1", "", "fewer than four \"_\" before the first \"=\"");
+    bad("A_B_C=D_E_F=1", "", "fewer than four \"_\" before the first \"=\"; F1_F2_F3_F4_F5=VALUE expected");
 }
 
 TEST_F(HardwareConfigTest, namesWhatIsWrongInACapabilityStatement) {
@@ -109,9 +109,11 @@ TEST_F(HardwareConfigTest, namesWhatIsWrongInAMessageStatement) {
         {"ALL_C_M_CONSTANT_K=w", "ERROR: key K already set!\n",
          "key K is set already (rule constantAnyValue)"},
         {"ALL_C_M_NONE_K=w", "ERROR: unknown collector type NONE\n",
-         "field 4 must be \"MSG\", \"CONSTANT\" or a collector type (rule hwMechRule)"},
+         "field 4 must be \"MSG\", \"CONSTANT\" or a collector type: AGGR-TELEM, DEVICE, FILE, SPARSE (rule "
+         "hwMechRule)"},
         {"ALL_C_M_:FAST_K=w", "ERROR: unknown collector type \n",
-         "field 4 must be \"MSG\", \"CONSTANT\" or a collector type (rule hwMechRule)"},
+         "field 4 must be \"MSG\", \"CONSTANT\" or a collector type: AGGR-TELEM, DEVICE, FILE, SPARSE (rule "
+         "hwMechRule)"},
         {"ALL_C_M_FILE:SLOW_K=w", "ERROR: unknown hardware category SLOW\n",
          "a category of the collector type expected behind \":\" (rule hwCatRule)"},
         {"ALL_C_M_FILE:_K=w", "", "a hardware category must follow \":\" (rule hwMechRule)"},
@@ -132,6 +134,15 @@ TEST_F(HardwareConfigTest, namesWhatIsWrongInAMessageStatement) {
     }
 }
 
+TEST_F(HardwareConfigTest, refusesGroupsThatMultiplyWithoutEnd) {
+    std::string text = std::string(CAP) + "ALL_C_G0_FILE_K=1";
+    for (int i = 1; i <= 18; ++i) {
+        const std::string inner = "G" + std::to_string(i - 1);
+        text += "\nALL_C_G" + std::to_string(i) + "_MSG_GROUP=" + inner + "," + inner;
+    }
+    bad(text, "", "groups and sources copy more than 1000000 keys and operations in all (rule msgGroupList)");
+}
+
 TEST_F(HardwareConfigTest, reportsAllErrorsOfAllFilesAndTheChainOfRules) {
     EXPECT_EQ(1, parser().parse({"no/such.cfg", "nor/this.cfg"}));
     EXPECT_EQ("Error opening config file no/such.cfg\nError opening config file nor/this.cfg\n",
@@ -146,7 +157,8 @@ TEST_F(HardwareConfigTest, reportsAllErrorsOfAllFilesAndTheChainOfRules) {
         "WARNING: ERROR calling function \"platformSub\"\n"
         "ERROR: ERROR parsing line ALL_C_CAPABILITY_HIDDEN_VALUE=1 (x.cfg:1): \"TRUE\" or \"FALSE\" expected "
         "(rule capSubHidden)\n"
-        "ERROR: ERROR parsing line A_B=1 (x.cfg:2): fewer than four \"_\" before the first \"=\"\n"
+        "ERROR: ERROR parsing line A_B=1 (x.cfg:2): fewer than four \"_\" before the first \"=\"; "
+        "F1_F2_F3_F4_F5=VALUE expected\n"
         "ERROR parsing config file x.cfg\n"
         "WARNING: capability C of platform ALL has no COMMAND-LINE: it is called as its prefix\n",
         m_log.take());

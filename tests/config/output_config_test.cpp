@@ -160,9 +160,9 @@ TEST_F(OutputConfigTest, refusesBadLinesByPlaceAndReason) {
     };
     bad(" f_c_TITLE=x # y",
         "ERROR: ERROR parsing line f_c_TITLE=x (bad.cfg:4): fewer than four \"_\" before the first "
-        "\"=\"\n");
-    bad("%n_c=%s",
-        "ERROR: ERROR parsing line %n_c=%s (bad.cfg:4): fewer than four \"_\" before the first \"=\"\n");
+        "\"=\"; F1_F2_F3_F4_F5=VALUE expected\n");
+    bad("%n_c=%s", "ERROR: ERROR parsing line %n_c=%s (bad.cfg:4): fewer than four \"_\" before the first "
+                   "\"=\"; F1_F2_F3_F4_F5=VALUE expected\n");
     bad("f_OUTPUT-ORDER_TAG_FEATURE_ORDER=x",
         rule("featureOrderRule") + "ERROR: ERROR parsing line f_OUTPUT-ORDER_TAG_FEATURE_ORDER=x "
                                    "(bad.cfg:4): field 1 must be \"ALL\"\n");
@@ -187,7 +187,8 @@ TEST_F(OutputConfigTest, readsAllFilesWhateverOneHolds) {
 
     const std::string missing = folder + "kr_output_config_missing.cfg";
     EXPECT_EQ(1, parser().parse({missing, part, folder}));
-    const std::string problem = "): fewer than four \"_\" before the first \"=\"\n";
+    const std::string problem =
+        "): fewer than four \"_\" before the first \"=\"; F1_F2_F3_F4_F5=VALUE expected\n";
     EXPECT_EQ("Error opening config file " + missing +
                   "\nERROR: ERROR parsing line bad=1 (kr_output_config_part.cfg:1" + problem +
                   "ERROR: ERROR parsing line bad=2 (kr_output_config_part.cfg:3" + problem +

@@ -45,16 +45,21 @@ TEST(StatementReaderTest, splitsLines) {
              Case{"P_C_M_A_S_T=a_b=c,d # cut\n", "1:P|C|M|A|S_T|a_b=c,d\n"},
              Case{"P_C_M_A_S=a#b=c", "1:P|C|M|A|S|a\n"},
              Case{"P_C_M_A_S=", "1:P|C|M|A|S|\n"},
-             Case{"P_C_M_S=a_b", "1!P_C_M_S=a_b: fewer than four \"_\" before the first \"=\"\n"},
+             Case{"P_C_M_S=a_b", "1!P_C_M_S=a_b: fewer than four \"_\" before the first \"=\"; "
+                                 "F1_F2_F3_F4_F5=VALUE expected\n"},
              Case{" P_C=1_M_A_S=v # c\nP_C_M_A_S=w",
-                  "1!P_C=1_M_A_S=v: fewer than four \"_\" before the first \"=\"\n2:P|C|M|A|S|w\n"},
-             Case{"P__M_A_S=v", "1!P__M_A_S=v: a field before the first \"=\" is empty\n"},
-             Case{"P_C_M_A_=v", "1!P_C_M_A_=v: a field before the first \"=\" is empty\n"},
+                  "1!P_C=1_M_A_S=v: fewer than four \"_\" before the first \"=\"; F1_F2_F3_F4_F5=VALUE "
+                  "expected\n2:P|C|M|A|S|w\n"},
+             Case{"P__M_A_S=v",
+                  "1!P__M_A_S=v: a field before the first \"=\" is empty; F1_F2_F3_F4_F5=VALUE expected\n"},
+             Case{"P_C_M_A_=v",
+                  "1!P_C_M_A_=v: a field before the first \"=\" is empty; F1_F2_F3_F4_F5=VALUE expected\n"},
          }) {
         SCOPED_TRACE(line.text);
         EXPECT_EQ(line.expected, readAll(line.text));
     }
-    EXPECT_EQ("1!" + std::string("\0_=", 3) + ": fewer than four \"_\" before the first \"=\"\n",
+    EXPECT_EQ("1!" + std::string("\0_=", 3) +
+                  ": fewer than four \"_\" before the first \"=\"; F1_F2_F3_F4_F5=VALUE expected\n",
               readAll(std::string_view("\0_=\n", 4)));
 }
 
