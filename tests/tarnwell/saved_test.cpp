@@ -180,9 +180,8 @@ TEST(Saved, aReportCanShowLessOrUnderOtherTitles) {
     EXPECT_EQ(std::string::npos, cpu.output.find("System memory"));
     EXPECT_LT(cpu.output.size(), whole.size());
     // Not on the machine that collected; the reason is that machine's.
-    expectSaid(
-        runProgram(scratch, {"--input", "good.twc", "--feature", "temperature", "--feature", "cpu"}), 3,
-        {"temp is not available: no sensors in", "Processor time by mode", "Missing: temp"});
+    expectSaid(runProgram(scratch, {"--input", "good.twc", "--feature", "temperature", "--feature", "cpu"}),
+               3, {"temp is not available: no sensors in", "Processor time by mode", "Missing: temp"});
     writeFile("own.cfg", "cpu_CPU-TIME_TOTAL-RESIDENCY_TITLE_VALUE=My own title\n");
     const ProgramResult own = runProgram(scratch, {"--input", "good.twc", "--output-config", "own.cfg"});
     EXPECT_EQ(0, own.exitCode);
