@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <new>
 
 #include "common/plugin/logger.h"
 #include "common/plugin/plugin_environment.h"
@@ -25,6 +26,9 @@ std::string pathOf(pw_u32_t guid) {
     return base + "xml_configs" + "/" + "telemetry_0x" + digits + ".xml";
 }
 
+// Far more than any description has; what claims to be larger (a folder does) is none.
+constexpr long MAX_FILE_SIZE = 256L << 20;
+
 /// A file's bytes, not zeroed before they are read: most of loading a large file is touching memory.
 struct FileText {
     std::unique_ptr<char[]> bytes;
@@ -40,9 +44,24 @@ int readWhole(const std::string& path, FileText& text) {
     if (end < 0 || std::fseek(file.get(), 0, SEEK_SET) != 0) {
         return 1;
     }
+    if (end > MAX_FILE_SIZE) {
+        return 1;
+    }
     text.size = static_cast<std::size_t>(end);
-    text.bytes.reset(new char[text.size + 1]);
+    text.bytes = std::make_unique_for_overwrite<char[]>(text.size + 1);
     return std::fread(text.bytes.get(), 1, text.size, file.get()) == text.size ? 0 : 1;
+}
+
+/// False when the file cannot be read, or the memory does not hold it; else @p parsed says whether it is XML.
+bool readSpecification(const std::string& path, TelemetrySpecification& specification, int& parsed) try {
+    FileText text;
+    if (readWhole(path, text) != 0) {
+        return false;
+    }
+    parsed = specification.parse({text.bytes.get(), text.size});
+    return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 int loadSpecification(pw_u32_t guid, TelemetrySpecification& specification) {
@@ -54,12 +73,12 @@ int loadSpecification(pw_u32_t guid, TelemetrySpecification& specification) {
         logWarning("WARNING: XML file for GUID 0x%x not found!\n", guid);
         return 1;
     }
-    FileText text;
-    if (readWhole(path, text) != 0) {
+    int parsed = 1;
+    if (!readSpecification(path, specification, parsed)) {
         logWarning("WARNING: Failed to load XML %s\n", path.c_str());
         return 1;
     }
-    if (specification.parse({text.bytes.get(), text.size}) != 0) {
+    if (parsed != 0) {
         logWarning(
             "WARNING: Could not read Telemetry Aggregation Facility specification XML file %s. The format "
             "is invalid.\n",
@@ -89,10 +108,10 @@ AggrTelemIndex& AggrTelemIndex::instance() {
 }
 
 int AggrTelemIndex::load(pw_u32_t guid) {
-    m_specifications.erase(guid);
     std::erase(m_order, guid);
     auto specification = std::make_unique<TelemetrySpecification>();
     if (loadSpecification(guid, *specification) != 0) {
+        m_specifications.erase(guid);
         logWarning(
             "WARNING: Metrics relying on the Telemetry Aggregation Facility driver are disabled for TAF: "
             "0x%x. The required XML configuration file is invalid, missing or the platform is not supported. "
@@ -100,7 +119,7 @@ int AggrTelemIndex::load(pw_u32_t guid) {
             guid);
         return 1;
     }
-    m_specifications.emplace(guid, std::move(specification));
+    m_specifications[guid] = std::move(specification);
     m_order.push_back(guid);
     return 0;
 }

@@ -30,8 +30,11 @@ public:
         : m_name(name), m_operation(operation) {}
 
     int resolve(AggrTelemCounterInfo& info) {
-        if (readKeys_i() != 0 || findGuid_i() != 0 || findEndpoint_i() != 0 || findSample_i() != 0 ||
-            findBits_i() != 0) {
+        if (readKeys_i() != 0 || findGuid_i() != 0) {
+            return 1;
+        }
+        locate_i();
+        if (findEndpoint_i() != 0 || checkPlace_i() != 0 || findBits_i() != 0) {
             return 1;
         }
         info = m_info;
@@ -103,17 +106,29 @@ private:
         return loaded.count(described) > 0 || real == loaded.end() ? described : *real;
     }
 
-    /// By its key, else by the platform that the key IP-NAME names, else by the file that has the counter.
-    int findGuid_i() {
-        if (!m_guid) {
-            const std::set<pw_u32_t> loaded = g_pluginEnvironment->getLoadedTAFGUIDs();
-            for (const pw_u32_t guid : g_pluginEnvironment->getTAFPlatformGUIDs(valueOf_i("IP-NAME"))) {
-                if (!m_guid && loaded.count(guid) > 0) {
-                    m_guid = guid;
-                }
-            }
+    /// The first loaded GUID of the platform that the key IP-NAME names.
+    std::optional<pw_u32_t> guidOfPlatform_i() const {
+        const std::string platform = valueOf_i("IP-NAME");
+        if (platform.empty()) {
+            return {}; // the registry would take it for the generic name of any platform
         }
+        const std::set<pw_u32_t> loaded = g_pluginEnvironment->getLoadedTAFGUIDs();
+        const std::vector<pw_u32_t> guids = g_pluginEnvironment->getTAFPlatformGUIDs(platform);
+        const auto found =
+            std::find_if(guids.begin(), guids.end(), [&](pw_u32_t guid) { return loaded.count(guid) > 0; });
+        return found == guids.end() ? std::optional<pw_u32_t>() : *found;
+    }
+
+    /// By its key, else by the platform, else by the endpoint, else by the file that has the counter.
+    int findGuid_i() {
         pw_u32_t guid = 0;
+        if (!m_guid) {
+            m_guid = guidOfPlatform_i();
+        }
+        if (!m_guid && m_endpoint) {
+            guid = g_pluginEnvironment->getTAFPlatformGUID(*m_endpoint);
+            m_guid = guid == 0 ? m_guid : guid;
+        }
         if (!m_guid && AggrTelemIndex::instance().findGuidOf(m_info.counterName, guid)) {
             m_guid = realGuidOf_i(guid);
         }
@@ -130,16 +145,25 @@ private:
     }
 
     int findEndpoint_i() {
-        const std::vector<_tw_aggregator_info> endpoints =
-            g_pluginEnvironment->getLoadedTAFEndpoints(m_info.guid);
-        if (!m_endpoint && endpoints.empty()) {
+        m_endpoints = g_pluginEnvironment->getLoadedTAFEndpoints(m_info.guid);
+        if (!m_endpoint && m_endpoints.empty()) {
             logWarning("WARNING: Unable to resolve Endpoint ID for operation: %s!\n", m_name.c_str());
             return 1;
         }
-        m_info.endpointId = m_endpoint ? *m_endpoint : endpoints.front().endpoint_id;
-        const bool isLoaded = std::any_of(endpoints.begin(), endpoints.end(), [this](const auto& endpoint) {
-            return endpoint.endpoint_id == m_info.endpointId;
-        });
+        m_info.endpointId = m_endpoint ? *m_endpoint : m_endpoints.front().endpoint_id;
+        return 0;
+    }
+
+    /// Where the sample is must be known by now, and the machine must have that endpoint.
+    int checkPlace_i() {
+        if (!m_sample) {
+            logWarning("WARNING: Unable to resolve SampleID for operation: %s!\n", m_name.c_str());
+            return 1;
+        }
+        m_info.sampleId = *m_sample;
+        const bool isLoaded =
+            std::any_of(m_endpoints.begin(), m_endpoints.end(),
+                        [this](const auto& endpoint) { return endpoint.endpoint_id == m_info.endpointId; });
         if (!isLoaded) {
             logWarning("WARNING: Endpoint for message not found in loaded endpoints!\n");
             return 1;
@@ -153,28 +177,24 @@ private:
         return emulated == 0 ? m_info.guid : emulated;
     }
 
-    int findSample_i() {
-        if (m_sample) {
-            m_info.sampleId = *m_sample;
-        }
-        if (m_info.counterName.empty() || (m_sample && m_info.fieldName.empty())) {
-            return 0; // no file is needed
+    /// Looks the counter up in its file, unless the keys tell all. Says so when it is not there, but what else is
+    /// wrong with the operation is told as well.
+    void locate_i() {
+        const bool isField = !m_info.fieldName.empty() && valueOf_i("BIT-RANGE").empty();
+        if (m_info.counterName.empty() || (m_sample && !isField)) {
+            return;
         }
         AggrTelemIndex& index = AggrTelemIndex::instance();
         const pw_u32_t guid = describedGuid_i();
-        if (!index.isLoaded(guid) && index.load(guid) != 0) {
-            return unresolved_i();
+        if ((!index.isLoaded(guid) && index.load(guid) != 0) || m_sample) {
+            return;
         }
-        if (!m_sample && !index.findSample(guid, m_info.counterName, m_info.sampleId)) {
+        pw_u16_t sample = 0;
+        if (index.findSample(guid, m_info.counterName, sample)) {
+            m_sample = sample;
+        } else {
             missing_i(m_info.counterName);
-            return unresolved_i();
         }
-        return 0;
-    }
-
-    int unresolved_i() const {
-        logWarning("WARNING: Unable to resolve SampleID for operation: %s!\n", m_name.c_str());
-        return 1;
     }
 
     int findBits_i() {
@@ -203,6 +223,7 @@ private:
     std::optional<pw_u32_t> m_guid;
     std::optional<pw_u16_t> m_endpoint;
     std::optional<pw_u16_t> m_sample;
+    std::vector<_tw_aggregator_info> m_endpoints; ///< of the GUID
     AggrTelemCounterInfo m_info;
 };
 

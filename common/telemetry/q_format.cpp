@@ -54,7 +54,8 @@ double convertToFloatPoint(pw_u64_t raw, const tw_qformat& format) {
         return std::ldexp(static_cast<double>(raw), -int{format.y});
     }
     const pw_u64_t below = (pw_u64_t{1} << signBit) - 1;
-    return -std::ldexp(static_cast<double>((~raw + 1) & below), -int{format.y});
+    // Subtracted from 0, as a minus in front of 0 would be printed.
+    return 0.0 - std::ldexp(static_cast<double>((~raw + 1) & below), -int{format.y});
 }
 
 } // namespace pwr

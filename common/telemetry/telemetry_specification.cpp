@@ -17,8 +17,10 @@ constexpr const char* SUB_GROUP = "TELC:sampleSubGroup";
 constexpr const char* LSB = "TELC:lsb";
 constexpr const char* MSB = "TELC:msb";
 
-// Only what the index needs: no comments, declarations or processing instructions become nodes.
-constexpr unsigned PARSING = pugi::parse_minimal | pugi::parse_escapes | pugi::parse_wconv_attribute;
+// Only what the index needs: no comments, declarations or processing instructions become nodes, nor does the text of
+// an element that has nothing else, which are three of four elements.
+constexpr unsigned PARSING =
+    pugi::parse_minimal | pugi::parse_escapes | pugi::parse_wconv_attribute | pugi::parse_embed_pcdata;
 
 // About what a field takes in a file, with its description.
 constexpr std::size_t BYTES_PER_FIELD = 256;
@@ -54,8 +56,10 @@ int readNumber(const char* text, pw_u16_t& number) {
 
 } // namespace
 
-/// Visits the samples of all groups of all aggregators, wherever these are in the document, without recursion: how
-/// deep elements are nested is up to the file.
+/// Visits what the queries "//TELEM:Aggregator/TELEM:SampleGroup", "//TELEM:Aggregator/TELEM:SampleGroup/TELC:sample"
+/// and "//TELEM:Aggregator/TELEM:SampleGroup/TELC:sample/TELC:sampleSubGroup" would select, in one walk that makes no
+/// lists of nodes, and without recursion: how deep elements are nested is up to the file. Of what a sample group holds,
+/// only its samples count.
 class TelemetrySpecification::Walk {
 public:
     explicit Walk(TelemetrySpecification& specification) : m_specification(specification) {}
@@ -63,17 +67,17 @@ public:
     void document(const pugi::xml_node& root) {
         pugi::xml_node node = root.first_child();
         while (node) {
-            const bool isAggregator = std::strcmp(node.name(), AGGREGATOR) == 0;
-            if (isAggregator) {
+            if (std::strcmp(node.name(), AGGREGATOR) == 0) {
                 aggregator_i(node);
             }
-            node = next_i(node, root, !isAggregator);
+            node = next_i(node, root);
         }
     }
 
 private:
-    static pugi::xml_node next_i(pugi::xml_node node, const pugi::xml_node& root, bool downwards) {
-        const pugi::xml_node child = downwards ? node.first_child() : pugi::xml_node();
+    static pugi::xml_node next_i(pugi::xml_node node, const pugi::xml_node& root) {
+        const bool isGroup = std::strcmp(node.name(), SAMPLE_GROUP) == 0;
+        const pugi::xml_node child = isGroup ? pugi::xml_node() : node.first_child();
         if (child) {
             return child;
         }
@@ -84,8 +88,9 @@ private:
     }
 
     void aggregator_i(const pugi::xml_node& aggregator) {
-        for (const pugi::xml_node& group : aggregator.children(SAMPLE_GROUP)) {
-            for (const pugi::xml_node& sample : group.children(SAMPLE)) {
+        for (pugi::xml_node group = aggregator.child(SAMPLE_GROUP); group;
+             group = group.next_sibling(SAMPLE_GROUP)) {
+            for (pugi::xml_node sample = group.child(SAMPLE); sample; sample = sample.next_sibling(SAMPLE)) {
                 sample_i(sample);
             }
         }
@@ -99,28 +104,17 @@ private:
             return;
         }
         const auto number = static_cast<std::uint32_t>(m_specification.m_samples.size());
-        if (!m_specification.m_samples.add(0, name, {id, number})) {
-            return;
-        }
-        for (const pugi::xml_node& field : sample.children(SUB_GROUP)) {
+        m_specification.m_samples.add(0, name, {id, number});
+        for (pugi::xml_node field = sample.child(SUB_GROUP); field; field = field.next_sibling(SUB_GROUP)) {
             field_i(field, number);
         }
     }
 
     void field_i(const pugi::xml_node& field, std::uint32_t sample) {
         BitRange range;
-        int lsb = -1;
-        int msb = -1;
-        for (pugi::xml_node child = field.first_child(); child; child = child.next_sibling()) {
-            const char* const name = child.name();
-            if (std::strcmp(name, LSB) == 0) {
-                lsb = readNumber(child.child_value(), range.lsb);
-            } else if (std::strcmp(name, MSB) == 0) {
-                msb = readNumber(child.child_value(), range.msb);
-            }
-        }
         const char* const name = field.attribute("name").value();
-        if (*name == '\0' || lsb != 0 || msb != 0) {
+        if (*name == '\0' || readNumber(field.child_value(LSB), range.lsb) != 0 ||
+            readNumber(field.child_value(MSB), range.msb) != 0) {
             problem_i(field, "needs a name, a lowest and a highest bit");
             return;
         }
@@ -147,6 +141,8 @@ int TelemetrySpecification::parse(std::span<char> text) {
         return 1;
     }
     Walk(*this).document(document);
+    m_samples.seal();
+    m_fields.seal();
     return 0;
 }
 

@@ -34,7 +34,10 @@ TEST(AggrTelemIndex, FindsSamplesAndFields) {
     const SpecificationFile file(
         kGuid,
         document(sampleXml("Energy", "12", fieldXml("low", " 0 ", "31") + fieldXml("high", "0x20", "63")) +
-                 sampleXml("State", "0xFFFF") + sampleXml("Energy", "99", fieldXml("more", "1", "2"))));
+                 "</TELEM:SampleGroup><x><TELEM:Aggregator><TELEM:SampleGroup>" +
+                 sampleXml("State", "0xFFFF") +
+                 "</TELEM:SampleGroup></TELEM:Aggregator></x><TELEM:SampleGroup>" +
+                 sampleXml("Energy", "99", fieldXml("more", "1", "2"))));
     AggrTelemIndex& index = AggrTelemIndex::instance();
     const LogCapture log;
     ASSERT_EQ(index.load(kGuid), 0);
@@ -59,9 +62,11 @@ TEST(AggrTelemIndex, FindsSamplesAndFields) {
 
 TEST(AggrTelemIndex, TellsBadFiles) {
     const std::string path = "xml_configs/telemetry_0x1a2b.xml";
-    std::string deep = "<a>";
+    std::string deep;
+    std::string closed;
     for (int i = 0; i < 100000; ++i) {
         deep += "<a>";
+        closed += "</a>";
     }
     struct Case {
         const char* name;
@@ -73,6 +78,7 @@ TEST(AggrTelemIndex, TellsBadFiles) {
         {"no XML", "samples: 12", 1, "The format is invalid.\n" + disabled("0x1a2b")},
         {"empty", "", 1, "The format is invalid.\n"},
         {"cut short", document("").substr(0, 60), 1, "The format is invalid.\n"},
+        {"deep nesting, closed", "<a>" + deep + closed + document("<b/>") + "</a>", 0, ""},
         {"deep nesting", deep, 1, "The format is invalid.\n"},
         {"entities", "<!DOCTYPE r [<!ENTITY a \"&a;&a;\">]>" + document(sampleXml("&a;", "1")), 0, ""},
         {"bad number", document(sampleXml("A", "70000") + sampleXml("B", "2", fieldXml("f", "x", "3"))), 0,
@@ -102,6 +108,10 @@ TEST(AggrTelem, ResolvesOperations) {
     endpoint.endpoint_id = kEndpoint;
     g_pluginEnvironment->addLoadedTAF(endpoint);
     g_pluginEnvironment->addTAFPlatformGUID("PUNIT", kGuid);
+    endpoint.guid = 0x1a2c;
+    endpoint.endpoint_id = 9;
+    g_pluginEnvironment->addLoadedTAF(endpoint);
+    g_pluginEnvironment->addTAFPlatformGUID("OTHER-A", 0x1a2c);
 
     struct Case {
         const char* name;
@@ -120,6 +130,17 @@ TEST(AggrTelem, ResolvesOperations) {
          31,
          ""},
         {"by the file that has it", {{"COUNTER-NAME", "Energy"}}, 12, 0, 63, ""},
+        {"by endpoint", {{"ENDPOINT-ID", "7"}, {"SAMPLE-ID", "5"}}, 5, 0, 63, ""},
+        {"file not needed",
+         {{"GUID", "0x1a2b"},
+          {"SAMPLE-ID", "5"},
+          {"COUNTER-NAME", "x"},
+          {"COUNTER-FIELD-NAME", "y"},
+          {"BIT-RANGE", "0,7"}},
+         5,
+         0,
+         7,
+         ""},
         {"by id",
          {{"GUID", "6699"}, {"SAMPLE-ID", "5"}, {"BIT-RANGE", "8, 15"}, {"ENDPOINT-ID", "7"}},
          5,
@@ -152,6 +173,13 @@ TEST(AggrTelem, ResolvesOperations) {
          0,
          0,
          "WARNING: Unable to resolve Endpoint ID for operation: op!\n"},
+        {"unknown name and no endpoint",
+         {{"GUID", "0x99"}, {"IP-NAME", "PUNIT"}, {"COUNTER-NAME", "None"}},
+         -1,
+         0,
+         0,
+         "WARNING: XML file for GUID 0x99 not found!\n" + disabled("0x99") +
+             "WARNING: Unable to resolve Endpoint ID for operation: op!\n"},
         {"foreign endpoint",
          {{"GUID", "0x1a2b"}, {"SAMPLE-ID", "5"}, {"ENDPOINT-ID", "8"}},
          -1,
