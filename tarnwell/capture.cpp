@@ -34,7 +34,6 @@ const std::vector<std::string>& capturedPaths() {
         "/proc/sys/kernel/osrelease",
         "/proc/sys/kernel/arch",
         "/etc/os-release",
-        pwr::TELEMETRY_ENDPOINT_TABLE,
         "/usr/lib/os-release",
         "/sys/hypervisor/type",
         "/sys/class/dmi/id/sys_vendor",
@@ -67,13 +66,15 @@ const std::vector<std::string>& capturedPaths() {
 }
 
 /// The paths of every machine, and those of the telemetry endpoints that this one lists.
-std::vector<std::string> pathsOf(const pwr::MachineFiles& machine) {
+std::vector<std::string> pathsOf(const pwr::MachineFiles& machine, const Settings& settings) {
     std::vector<std::string> paths = capturedPaths();
+    const std::string name =
+        settings.endpointTable.empty() ? pwr::TELEMETRY_ENDPOINT_TABLE : settings.endpointTable;
+    paths.push_back(name);
     std::string table;
     std::vector<std::string> problems; // whoever collects from the record will hear of them
-    machine.read(pwr::TELEMETRY_ENDPOINT_TABLE, table);
-    for (const pwr::TelemetryEndpoint& endpoint :
-         pwr::readEndpointTable(pwr::TELEMETRY_ENDPOINT_TABLE, table, problems)) {
+    machine.read(name, table);
+    for (const pwr::TelemetryEndpoint& endpoint : pwr::readEndpointTable(name, table, problems)) {
         paths.push_back(endpoint.file);
     }
     return paths;
@@ -96,7 +97,7 @@ int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, s
     const double seconds = settings.seconds.value_or(kDefaultSeconds);
     PollSchedule schedule(begin, ticksOf(settings.intervalMs * kNanosecondsPerMillisecond),
                           begin + ticksOf(seconds * kNanosecondsPerSecond));
-    pwr::BundleWriter writer(machine, pathsOf(machine));
+    pwr::BundleWriter writer(machine, pathsOf(machine, settings));
     for (std::uint64_t deadline = begin;;) {
         while (clock.now() < deadline && pwr::platform::interruptCount() == 0) {
             clock.waitUntil(deadline, nullptr);

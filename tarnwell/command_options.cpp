@@ -55,6 +55,19 @@ void declareMachine(CLI::App& options, Settings& settings, const char* descripti
     options.add_option("--machine", settings.machine, description)->type_name("PLACE");
 }
 
+void declareEndpoints(CLI::App& options, Settings& settings) {
+    const auto read = [&settings](const std::string& text) {
+        if (text.empty() || text.front() != '/') {
+            refuse("--endpoints", text, "the table's path on the machine, from / on");
+        }
+        settings.endpointTable = text;
+    };
+    options
+        .add_option_function<std::string>(
+            "--endpoints", read, "the machine's table of telemetry endpoints, if not in its usual place")
+        ->type_name("PATH");
+}
+
 void declareHardwareConfig(CLI::App& options, Settings& settings) {
     options
         .add_option("--hardware-config", settings.hardwareConfig,

@@ -13,6 +13,7 @@ struct Settings;
 void declareInterval(CLI::App& options, Settings& settings, const char* description);
 void declareTime(CLI::App& options, Settings& settings, const char* description);
 void declareMachine(CLI::App& options, Settings& settings, const char* description);
+void declareEndpoints(CLI::App& options, Settings& settings);
 void declareHardwareConfig(CLI::App& options, Settings& settings);
 /// The saved collection that a subcommand is about, as its first argument.
 void declareSavedFile(CLI::App& options, Settings& settings);

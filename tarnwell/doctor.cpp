@@ -75,6 +75,7 @@ void declareDoctor(CLI::App& options, Settings& settings) {
     declareInterval(options, settings, "milliseconds between the bundle's moments");
     declareHardwareConfig(options, settings);
     declareMachine(options, settings, "look at this root folder or captured bundle");
+    declareEndpoints(options, settings);
 }
 
 int runDoctor(const Settings& settings) {

@@ -35,6 +35,9 @@ PluginOptions reportingOptions() {
 PluginOptions collectingOptions(const Settings& settings) {
     PluginOptions options = reportingOptions();
     options.emplace_back("machine", settings.machine);
+    if (!settings.endpointTable.empty()) {
+        options.emplace_back("endpoints", settings.endpointTable);
+    }
     return options;
 }
 

@@ -83,6 +83,7 @@ void declareOptions(CLI::App& app, Settings& settings) {
     app.add_flag("--max-detail", settings.maxDetail,
                  "collect what is only wanted at the highest detail, too");
     declareMachine(app, settings, "read the machine from this root folder or captured bundle");
+    declareEndpoints(app, settings);
     auto* const save = declareName(app, "--save", settings.saveFile, "the name of the file to save to",
                                    "save the collection here instead of in PREFIX.twc or tarnwell-TIME.twc")
                            ->type_name("FILE");
@@ -108,7 +109,8 @@ void declareSubcommands(CLI::App& app, Settings& settings) {
 /// Options that say how to collect, where nothing is collected.
 std::string uselessOption(const CLI::App& app, const Settings& settings) {
     static constexpr std::array kOnlyCollecting = {
-        "--interval", "--time", "--machine", "--save", "--overwrite", "--max-detail", "--hardware-config"};
+        "--interval",  "--time",       "--machine",         "--save",
+        "--overwrite", "--max-detail", "--hardware-config", "--endpoints"};
     for (const char* option : kOnlyCollecting) {
         if (app.count(option) > 0) {
             return option;

@@ -22,6 +22,7 @@ struct Settings {
     std::vector<std::string> hardwareConfig; ///< behind the hardware descriptions shipped beside the library
     bool maxDetail = false;                  ///< messages have their triggers of the highest detail
     std::string machine = "/";               ///< root folder or bundle of the machine to read
+    std::string endpointTable;               ///< telemetry endpoints of that machine; empty: the usual place
     bool quiet = false;                      ///< neither a progress line nor a word about the saved file
     std::vector<std::string> command;        ///< what stands behind "--"
     std::vector<std::string> arguments;      ///< all of it as given, for the record

@@ -2,6 +2,7 @@
 
 #include "common/plugin/plugin_environment.h"
 #include "common/telemetry/aggr_telem.h"
+#include "tests/support/telemetry_text.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -33,19 +34,5 @@ public:
 private:
     std::filesystem::path m_path;
 };
-
-inline std::string document(const std::string& samples) {
-    return "<?xml version=\"1.0\"?>\n<root><TELEM:Aggregator><TELEM:SampleGroup name=\"g\">" + samples +
-           "</TELEM:SampleGroup></TELEM:Aggregator></root>\n";
-}
-
-inline std::string sampleXml(const std::string& name, const std::string& id, const std::string& fields = {}) {
-    return "<TELC:sample name=\"" + name + "\" sampleID=\"" + id + "\">" + fields + "</TELC:sample>";
-}
-
-inline std::string fieldXml(const std::string& name, const std::string& lsb, const std::string& msb) {
-    return "<TELC:sampleSubGroup name=\"" + name + "\"><TELC:lsb>" + lsb + "</TELC:lsb><TELC:msb>" + msb +
-           "</TELC:msb><x:lsb>9</x:lsb></TELC:sampleSubGroup>";
-}
 
 } // namespace tests

@@ -40,6 +40,7 @@ TEST(BadInput, onTheCommandLineIsNamed) {
         {{"--time", ""}, 2, {"--time \"\""}},
         {{"--output", ""}, 2, {"--output \"\""}},
         {{"doctor", "--", "true"}, 2, {"runs no command"}},
+        {{"--endpoints", "relative"}, 2, {"--endpoints relative", "from / on"}},
         {{"--nonsense"}, 2, {"--nonsense"}},
         {{"--"}, 2, {"no command"}},
         {{"--feature", "warp"}, 2, {"unknown feature \"warp\"", "idle"}},
