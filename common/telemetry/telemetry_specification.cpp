@@ -19,8 +19,8 @@ constexpr const char* MSB = "TELC:msb";
 
 // Only what the index needs: no comments, declarations or processing instructions become nodes, nor does the text of
 // an element that has nothing else, which are three of four elements.
-constexpr unsigned PARSING =
-    pugi::parse_minimal | pugi::parse_escapes | pugi::parse_wconv_attribute | pugi::parse_embed_pcdata;
+constexpr unsigned PARSING = pugi::parse_minimal | pugi::parse_escapes | pugi::parse_cdata |
+                             pugi::parse_wconv_attribute | pugi::parse_embed_pcdata;
 
 // About what a field takes in a file, with its description.
 constexpr std::size_t BYTES_PER_FIELD = 256;

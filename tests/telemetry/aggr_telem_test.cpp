@@ -32,12 +32,12 @@ std::string disabled(const char* guid) {
 
 TEST(AggrTelemIndex, FindsSamplesAndFields) {
     const SpecificationFile file(
-        kGuid,
-        document(sampleXml("Energy", "12", fieldXml("low", " 0 ", "31") + fieldXml("high", "0x20", "63")) +
-                 "</TELEM:SampleGroup><x><TELEM:Aggregator><TELEM:SampleGroup>" +
-                 sampleXml("State", "0xFFFF") +
-                 "</TELEM:SampleGroup></TELEM:Aggregator></x><TELEM:SampleGroup>" +
-                 sampleXml("Energy", "99", fieldXml("more", "1", "2"))));
+        kGuid, document(sampleXml("Energy", "12",
+                                  fieldXml("low", " 0 ", "31") + fieldXml("high", "0x20", "<![CDATA[63]]>")) +
+                        "</TELEM:SampleGroup><x><TELEM:Aggregator><TELEM:SampleGroup>" +
+                        sampleXml("State", "0xFFFF") +
+                        "</TELEM:SampleGroup></TELEM:Aggregator></x><TELEM:SampleGroup>" +
+                        sampleXml("Energy", "99", fieldXml("more", "1", "2"))));
     AggrTelemIndex& index = AggrTelemIndex::instance();
     const LogCapture log;
     ASSERT_EQ(index.load(kGuid), 0);
