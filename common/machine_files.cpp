@@ -94,7 +94,7 @@ public:
     int openNow() { return m_file.open(m_path); }
 
     MachineStatus read(std::string& out) override {
-        const int error = m_file.isOpen() ? m_file.readAll(out) : ENODEV;
+        const int error = isUsable_i() ? m_file.readAll(out) : ENODEV;
         if (error == 0) {
             return MachineStatus::OK;
         }
@@ -108,7 +108,7 @@ public:
 
     MachineStatus readAt(std::uint64_t offset, std::span<char> bytes) override {
         std::size_t got = 0;
-        int error = m_file.isOpen() ? m_file.readAt(offset, bytes, got) : ENODEV;
+        int error = isUsable_i() ? m_file.readAt(offset, bytes, got) : ENODEV;
         if (error != 0) {
             error = openNow();
             error = error == 0 ? m_file.readAt(offset, bytes, got) : error;
@@ -120,6 +120,8 @@ public:
     }
 
 private:
+    bool isUsable_i() const { return m_file.isOpen() && !m_file.isLeftBehind(); }
+
     std::string m_path;
     platform::RawFile m_file;
 };
@@ -170,7 +172,21 @@ public:
         return status == MachineStatus::OK ? std::move(file) : nullptr;
     }
 
+    MachineStatus write(const std::string& path, std::string_view text) const override {
+        return isBelowRoot_i(path) ? statusOf(platform::overwriteFile(m_root + path, text))
+                                   : MachineStatus::DENIED;
+    }
+
 private:
+    /// A copied folder may have links to the running machine, whose settings must stay as they are.
+    bool isBelowRoot_i(const std::string& path) const {
+        std::error_code error;
+        const auto root = std::filesystem::weakly_canonical(platform::nativePath(m_root + "/"), error);
+        const auto file = std::filesystem::weakly_canonical(platform::nativePath(m_root + path), error);
+        return !error &&
+               std::mismatch(root.begin(), root.end(), file.begin(), file.end()).first == root.end();
+    }
+
     std::string m_root;
 };
 
@@ -184,6 +200,10 @@ const char* toText(MachineStatus status) {
 MachineFile::~MachineFile() = default;
 
 MachineFiles::~MachineFiles() = default;
+
+MachineStatus MachineFiles::write(const std::string& /*path*/, std::string_view /*text*/) const {
+    return MachineStatus::DENIED;
+}
 
 const std::vector<std::uint64_t>& MachineFiles::moments() const {
     static const std::vector<std::uint64_t> NONE;

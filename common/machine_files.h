@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/export.h"
@@ -60,6 +61,10 @@ public:
 
     /// A handle for repeated reads; null with the reason in `status`.
     virtual std::unique_ptr<MachineFile> open(const std::string& path, MachineStatus& status) const = 0;
+
+    /// Writes a text over what a file holds; makes no file. DENIED for a recorded machine, and for what a link leads to
+    /// outside of a root folder.
+    virtual MachineStatus write(const std::string& path, std::string_view text) const;
 
     /// The instants (ticks of a 1000 MHz default clock, ascending) at which recorded contents
     /// change; empty for a live machine. A host that replays a bundle installs a clock that is

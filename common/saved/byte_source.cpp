@@ -1,6 +1,6 @@
 #include "common/saved/byte_source.h"
 
-#include "common/platform/random_access_file.h"
+#include "common/platform/raw_file.h"
 #include "common/pw_utils.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 
 class FileSource final : public ByteSource {
 public:
-    int open(const std::string& path) { return m_file.open(path); }
+    int open(const std::string& path) { return m_file.openPlain(path); }
 
     std::uint64_t size() override {
         std::uint64_t bytes = 0;
@@ -21,7 +21,7 @@ public:
 
     std::size_t readAt(std::uint64_t offset, std::span<char> to) override {
         std::size_t got = 0;
-        if (m_file.readAt(offset, to.data(), to.size(), got) == 0) {
+        if (m_file.readAt(offset, to, got) == 0) {
             return got;
         }
         std::fill(to.begin() + static_cast<std::ptrdiff_t>(got), to.end(), '\0');
@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    platform::RandomAccessFile m_file;
+    platform::RawFile m_file;
 };
 
 class MemorySource final : public ByteSource {

@@ -69,8 +69,34 @@ TEST_F(RootFolderTest, openFileSeesWhatChanges) {
         EXPECT_EQ(MachineStatus::OK, file->read(text));
         EXPECT_EQ(now, text);
     }
+    std::error_code error;
+    write("proc/stat.new", "another");
+    fs::rename(m_folder / "proc/stat.new", m_folder / "proc/stat", error);
+    if (!error) { // some systems keep an open file's name
+        EXPECT_EQ(MachineStatus::OK, file->read(text));
+        EXPECT_EQ("another", text);
+        fs::remove(m_folder / "proc/stat");
+        EXPECT_EQ(MachineStatus::MISSING, file->read(text));
+        write("proc/stat", "back");
+        EXPECT_EQ(MachineStatus::OK, file->read(text));
+        EXPECT_EQ("back", text);
+    }
     EXPECT_FALSE(machine->open("/proc/none", status));
     EXPECT_EQ(MachineStatus::MISSING, status);
+}
+
+TEST_F(RootFolderTest, writingStaysInTheFolderAndMakesNoFile) {
+    std::string text;
+    EXPECT_EQ(MachineStatus::OK, machine->write("/proc/stat", "7\n"));
+    EXPECT_EQ(MachineStatus::OK, machine->read("/proc/stat", text));
+    EXPECT_EQ("7\n", text);
+    EXPECT_EQ(MachineStatus::MISSING, machine->write("/proc/none", "7\n"));
+    EXPECT_FALSE(machine->exists("/proc/none"));
+    const fs::path outside = m_folder.string() + "_outside";
+    std::ofstream(outside) << "untouched";
+    EXPECT_EQ(MachineStatus::DENIED, machine->write("/../" + outside.filename().string(), "7\n"));
+    EXPECT_EQ(9U, fs::file_size(outside));
+    fs::remove(outside);
 }
 
 TEST_F(RootFolderTest, patternsMatchInEachComponent) {

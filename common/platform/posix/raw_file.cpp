@@ -2,6 +2,9 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <array>
@@ -16,6 +19,14 @@ namespace {
 
 constexpr std::size_t FIRST_SIZE = 4096;
 
+static_assert(sizeof(off_t) == sizeof(std::uint64_t), "files are larger than 2 GiB");
+
+bool isMadeBySystem(int descriptor) {
+    struct statfs folder {};
+    return ::fstatfs(descriptor, &folder) == 0 &&
+           (folder.f_type == SYSFS_MAGIC || folder.f_type == PROC_SUPER_MAGIC);
+}
+
 struct FolderCloser {
     void operator()(DIR* folder) const { ::closedir(folder); }
 };
@@ -29,7 +40,23 @@ RawFile::~RawFile() {
 int RawFile::open(const std::string& path) {
     close();
     m_descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    return m_descriptor < 0 ? errno : 0;
+    if (m_descriptor < 0) {
+        return errno;
+    }
+    m_isMadeBySystem = isMadeBySystem(m_descriptor);
+    return 0;
+}
+
+int RawFile::openPlain(const std::string& path) {
+    const int error = open(path);
+    struct stat status {};
+    if (error != 0 || ::fstat(m_descriptor, &status) != 0) {
+        return error != 0 ? error : errno;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return EISDIR;
+    }
+    return S_ISREG(status.st_mode) ? 0 : EINVAL;
 }
 
 void RawFile::close() {
@@ -69,6 +96,20 @@ int RawFile::readAll(std::string& out) {
     }
 }
 
+bool RawFile::isLeftBehind() const {
+    struct stat status {};
+    return !m_isMadeBySystem && ::fstat(m_descriptor, &status) == 0 && status.st_nlink == 0;
+}
+
+int RawFile::size(std::uint64_t& bytes) const {
+    struct stat status {};
+    if (::fstat(m_descriptor, &status) != 0) {
+        return errno;
+    }
+    bytes = static_cast<std::uint64_t>(status.st_size);
+    return 0;
+}
+
 int RawFile::readAt(std::uint64_t offset, std::span<char> bytes, std::size_t& got) {
     got = 0;
     if (m_descriptor < 0) {
@@ -92,6 +133,20 @@ int RawFile::readAt(std::uint64_t offset, std::span<char> bytes, std::size_t& go
         got += static_cast<std::size_t>(size);
     }
     return 0;
+}
+
+int overwriteFile(const std::string& path, std::string_view text) {
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) {
+        return errno;
+    }
+    ssize_t done = -1;
+    do {
+        done = ::write(descriptor, text.data(), text.size());
+    } while (done < 0 && errno == EINTR);
+    const int error = done < 0 ? errno : 0;
+    ::close(descriptor);
+    return error == 0 && static_cast<std::size_t>(done) != text.size() ? EIO : error;
 }
 
 int listFolder(const std::string& path, std::vector<std::string>& names) {

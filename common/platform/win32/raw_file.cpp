@@ -8,6 +8,7 @@
 #include <share.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <limits>
@@ -18,6 +19,17 @@ namespace pwr::platform {
 namespace {
 
 constexpr std::size_t FIRST_SIZE = 4096;
+// A call takes no more than an int counts.
+constexpr std::size_t MAX_AT_ONCE = std::size_t{1} << 30;
+
+int openDescriptor(const std::string& path, int flags, int& descriptor) {
+    const int result = ::_wsopen_s(&descriptor, wideText(path).c_str(), flags | _O_BINARY | _O_NOINHERIT,
+                                   _SH_DENYNO, _S_IREAD | _S_IWRITE);
+    if (result != 0) {
+        descriptor = -1;
+    }
+    return result;
+}
 
 int errorNumber(const std::error_code& error) {
     return error.default_error_condition().value();
@@ -31,12 +43,19 @@ RawFile::~RawFile() {
 
 int RawFile::open(const std::string& path) {
     close();
-    const int result = ::_wsopen_s(&m_descriptor, wideText(path).c_str(),
-                                   _O_RDONLY | _O_BINARY | _O_NOINHERIT, _SH_DENYNO, _S_IREAD);
-    if (result != 0) {
-        m_descriptor = -1;
+    return openDescriptor(path, _O_RDONLY, m_descriptor);
+}
+
+int RawFile::openPlain(const std::string& path) {
+    if (isFolder(path)) {
+        return EISDIR;
     }
-    return result;
+    const int error = open(path);
+    struct _stat64 status {};
+    if (error != 0 || ::_fstat64(m_descriptor, &status) != 0) {
+        return error != 0 ? error : errno;
+    }
+    return (status.st_mode & _S_IFMT) == _S_IFREG ? 0 : EINVAL;
 }
 
 void RawFile::close() {
@@ -57,7 +76,8 @@ int RawFile::readAll(std::string& out) {
         if (used == out.size()) {
             out.resize(out.size() * 2);
         }
-        const int got = ::_read(m_descriptor, out.data() + used, static_cast<unsigned>(out.size() - used));
+        const int got = ::_read(m_descriptor, out.data() + used,
+                                static_cast<unsigned>(std::min(out.size() - used, MAX_AT_ONCE)));
         if (got < 0) {
             const int error = errno;
             out.clear();
@@ -69,6 +89,19 @@ int RawFile::readAll(std::string& out) {
         }
         used += static_cast<std::size_t>(got);
     }
+}
+
+bool RawFile::isLeftBehind() const {
+    return m_descriptor < 0; // an open file keeps its name
+}
+
+int RawFile::size(std::uint64_t& bytes) const {
+    struct _stat64 status {};
+    if (::_fstat64(m_descriptor, &status) != 0) {
+        return errno;
+    }
+    bytes = static_cast<std::uint64_t>(status.st_size);
+    return 0;
 }
 
 int RawFile::readAt(std::uint64_t offset, std::span<char> bytes, std::size_t& got) {
@@ -83,7 +116,8 @@ int RawFile::readAt(std::uint64_t offset, std::span<char> bytes, std::size_t& go
         return errno;
     }
     while (got < bytes.size()) {
-        const int size = ::_read(m_descriptor, bytes.data() + got, static_cast<unsigned>(bytes.size() - got));
+        const int size = ::_read(m_descriptor, bytes.data() + got,
+                                 static_cast<unsigned>(std::min(bytes.size() - got, MAX_AT_ONCE)));
         if (size < 0) {
             return errno;
         }
@@ -93,6 +127,18 @@ int RawFile::readAt(std::uint64_t offset, std::span<char> bytes, std::size_t& go
         got += static_cast<std::size_t>(size);
     }
     return 0;
+}
+
+int overwriteFile(const std::string& path, std::string_view text) {
+    int descriptor = -1;
+    if (const int error = openDescriptor(path, _O_WRONLY | _O_TRUNC, descriptor); error != 0) {
+        return error;
+    }
+    const int done =
+        ::_write(descriptor, text.data(), static_cast<unsigned>(std::min(text.size(), MAX_AT_ONCE)));
+    const int error = done < 0 ? errno : 0;
+    ::_close(descriptor);
+    return error == 0 && static_cast<std::size_t>(done) != text.size() ? EIO : error;
 }
 
 int listFolder(const std::string& path, std::vector<std::string>& names) {
