@@ -65,9 +65,11 @@ const std::vector<std::string>& capturedPaths() {
     return paths;
 }
 
-/// The paths of every machine, and those of the telemetry endpoints that this one lists.
-std::vector<std::string> pathsOf(const pwr::MachineFiles& machine, const Settings& settings) {
+/// The paths of every machine, those of the telemetry endpoints that this one lists, and more.
+std::vector<std::string> pathsOf(const pwr::MachineFiles& machine, const Settings& settings,
+                                 const std::vector<std::string>& more) {
     std::vector<std::string> paths = capturedPaths();
+    paths.insert(paths.end(), more.begin(), more.end());
     const std::string name =
         settings.endpointTable.empty() ? pwr::TELEMETRY_ENDPOINT_TABLE : settings.endpointTable;
     paths.push_back(name);
@@ -82,7 +84,8 @@ std::vector<std::string> pathsOf(const pwr::MachineFiles& machine, const Setting
 
 } // namespace
 
-int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, std::string& reason) {
+int captureMachine(const pwr::MachineFiles& machine, const Settings& settings,
+                   const std::vector<std::string>& files, std::string& reason) {
     // Opened first, so that a place that cannot be written is known before the recording.
     pwr::ResultFile file(settings.captureFile);
     if (!file.getError().empty()) {
@@ -97,7 +100,7 @@ int captureMachine(const pwr::MachineFiles& machine, const Settings& settings, s
     const double seconds = settings.seconds.value_or(kDefaultSeconds);
     PollSchedule schedule(begin, ticksOf(settings.intervalMs * kNanosecondsPerMillisecond),
                           begin + ticksOf(seconds * kNanosecondsPerSecond));
-    pwr::BundleWriter writer(machine, pathsOf(machine, settings));
+    pwr::BundleWriter writer(machine, pathsOf(machine, settings, files));
     for (std::uint64_t deadline = begin;;) {
         while (clock.now() < deadline && pwr::platform::interruptCount() == 0) {
             clock.waitUntil(deadline, nullptr);

@@ -111,10 +111,11 @@ private:
         CollectorPlugin* const collector =
             work == message.end() ? nullptr
                                   : TWConfigFileParser::instance()->getCollector((*work)->getCollectorType());
-        if (collector == nullptr || !isRead(message)) {
+        if (collector == nullptr) {
             return;
         }
-        const MessageAvailability seen = collector->probe(*record);
+        const MessageAvailability seen =
+            isRead(message) ? collector->probe(*record) : collector->probeWrite(*record);
         if (seen.state == MessageAvailability::State::INVALID) {
             note_i(message, seen.reason);
         }

@@ -19,12 +19,32 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
 
 namespace tarnwell {
 namespace {
 
 std::string padded(const std::string& text, std::size_t width) {
     return text + std::string(text.size() < width ? width - text.size() : 0, ' ');
+}
+
+/// The groups that features can be asked for by, each with its features.
+std::string groupsOf(const FeatureList& features) {
+    std::map<std::string, std::string> groups;
+    std::size_t width = 0;
+    for (const Feature& feature : features.all()) {
+        for (const std::string& group : feature.groups) {
+            if (!feature.isHidden) {
+                groups[group] += (groups[group].empty() ? "" : ", ") + feature.name;
+                width = std::max(width, group.size());
+            }
+        }
+    }
+    std::string text = groups.empty() ? "" : "Groups of features:\n";
+    for (const auto& [group, names] : groups) {
+        text.append("  ").append(padded(group, width)).append("  ").append(names).append("\n");
+    }
+    return text;
 }
 
 /// What this machine offers and, for what it does not, the reason and the fix.
@@ -49,15 +69,17 @@ std::string doctorReport(const FeatureList& features, const PluginSet& plugins) 
             text += feature.fix.empty() ? "" : indent + "fix: " + feature.fix + "\n";
         }
     }
+    text += groupsOf(features);
     for (const std::string& problem : plugins.problems()) {
         text += "Problem: " + problem + "\n";
     }
     return text;
 }
 
-int writeBundle(const Settings& settings, const pwr::MachineFiles& machine) {
+int writeBundle(const Settings& settings, const pwr::MachineFiles& machine,
+                const HardwareDescription& description) {
     std::string reason;
-    if (captureMachine(machine, settings, reason) != 0) {
+    if (captureMachine(machine, settings, description.files(), reason) != 0) {
         return fail(ExitCode::FAILED, reason);
     }
     std::printf("Wrote %s\n", settings.captureFile.c_str());
@@ -99,7 +121,7 @@ int runDoctor(const Settings& settings) {
     }
     std::fputs(doctorReport(FeatureList(description, plugins.collectors()), plugins).c_str(), stdout);
     if (!settings.captureFile.empty()) {
-        if (const int code = writeBundle(settings, *machine); code != 0) {
+        if (const int code = writeBundle(settings, *machine, description); code != 0) {
             return code;
         }
     }

@@ -43,6 +43,17 @@ std::string typeOf(const pwr::InputMsg& message) {
     return {};
 }
 
+/// A message by its name and the keys of its first operation.
+std::string wordsOf(const pwr::MsgMetadata& record) {
+    std::string text = record.getMsgName();
+    if (!record.getMetaValues().empty()) {
+        for (const auto& [key, value] : record.getMetaValues().front()->getValues()) {
+            text.append(", ").append(key).append("=").append(value);
+        }
+    }
+    return text;
+}
+
 /// Why nothing of a feature is there: what a collector knows goes before what the description supposes.
 void explain(const std::vector<const OfferedMessage*>& messages, Feature& feature) {
     for (const OfferedMessage* offered : messages) {
@@ -59,7 +70,7 @@ void explain(const std::vector<const OfferedMessage*>& messages, Feature& featur
             return;
         }
     }
-    feature.reason = "nothing on this machine matches its messages";
+    feature.reason = "nothing on this machine matches message " + wordsOf(*messages.front()->record);
 }
 
 } // namespace
@@ -130,8 +141,9 @@ int HardwareDescription::probe_i(OfferedMessage& offered, const PluginSet& plugi
                         "message " + message.getName() + ": nothing carries it out at its triggers (" +
                             joined(message.getTriggers()) + ")",
                         "use INIT, BEGIN, POLL, END, FINI or TRACEPOINT=NAME"};
-    } else if (isRead(message)) {
-        availability = offered.collector->probe(*offered.record);
+    } else {
+        availability = isRead(message) ? offered.collector->probe(*offered.record)
+                                       : offered.collector->probeWrite(*offered.record);
     }
     if (availability.state != State::INVALID) {
         return 0;
@@ -186,6 +198,19 @@ std::vector<Feature> HardwareDescription::features(const CollectorPlugin* only) 
         all.push_back(std::move(feature));
     }
     return all;
+}
+
+std::vector<std::string> HardwareDescription::files() const {
+    std::vector<std::string> files;
+    for (const OfferedFeature& feature : m_offered) {
+        for (const OfferedMessage& offered : feature.messages) {
+            if (offered.collector != nullptr && isRead(*offered.message)) {
+                const std::vector<std::string> more = offered.collector->getFiles(*offered.record);
+                files.insert(files.end(), more.begin(), more.end());
+            }
+        }
+    }
+    return files;
 }
 
 ConfigurationTexts HardwareDescription::textsOf(const std::set<std::string>& featureNames) const {

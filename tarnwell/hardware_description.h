@@ -59,6 +59,9 @@ public:
     /// With a collector: of its messages alone.
     std::vector<Feature> features(const CollectorPlugin* only = nullptr) const;
 
+    /// The machine's files that the messages read, as patterns with `*`, for a record of the machine.
+    std::vector<std::string> files() const;
+
     const ConfigurationTexts& texts() const { return m_texts; }
     /// The statements about the chosen features, to be saved with what was collected by them.
     ConfigurationTexts textsOf(const std::set<std::string>& featureNames) const;

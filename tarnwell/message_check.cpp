@@ -97,6 +97,8 @@ std::vector<std::string> complaintsOf(const pwr::InputMsg& message, const pwr::M
     if (isRead(message)) {
         checkMetric(record, complaints);
         checkWidths(record, complaints);
+    } else if (hasMetric(record)) {
+        complaints.push_back("METRIC-NAME, METRIC-TYPE and CONTAINER-TAG: what is written gives no readings");
     }
     int processor = -1;
     if (readProcessor(message, processor) != 0) {

@@ -9,6 +9,7 @@
 #include "common/plugin/reading_precision.h"
 #include "tarnwell/hardware_description.h"
 #include "tarnwell/message_check.h"
+#include "tarnwell/number_words.h"
 
 #include <algorithm>
 #include <iterator>
@@ -50,6 +51,11 @@ std::unique_ptr<pwr::MetricMetadata> metricOf(const pwr::MsgMetadata& message) {
     return std::make_unique<pwr::MetricMetadata>(0, 0, std::move(values));
 }
 
+/// The collector's reason; without one nothing of the message was found.
+std::string reasonOf(const MessageAvailability& availability) {
+    return availability.reason.empty() ? "nothing on this machine matches" : availability.reason;
+}
+
 } // namespace
 
 MessageSet::MessageSet() = default;
@@ -79,16 +85,17 @@ int MessageSet::open(const std::vector<CollectorPlugin*>& collectors, const Hard
     return 0;
 }
 
-/// A message without a plug-in is missing from a feature that otherwise works.
+/// A message without a plug-in is missing from a feature that otherwise works, and what the user wants to be set is
+/// missed in any case.
 void MessageSet::noteUnserved_i(const HardwareDescription& description,
                                 const std::set<std::string>& features) {
     for (const OfferedFeature& feature : description.offered()) {
         const std::string& name = feature.capability.getName();
         for (const OfferedMessage& offered : feature.messages) {
-            if (features.count(name) != 0 && offered.collector == nullptr &&
+            if (features.count(name) != 0 && (offered.collector == nullptr || !isRead(*offered.message)) &&
                 offered.availability.state == MessageAvailability::State::ABSENT) {
                 m_problems.push_back(name + ": message " + offered.message->getName() +
-                                     " is off: " + offered.availability.reason);
+                                     " is off: " + reasonOf(offered.availability));
             }
         }
     }
@@ -200,6 +207,18 @@ std::vector<AnnouncedMessage> MessageSet::announced() const {
     return all;
 }
 
+std::vector<std::string> MessageSet::failures() const {
+    std::vector<std::string> texts;
+    for (const std::unique_ptr<Message>& message : m_messages) {
+        if (message->failures > 0) {
+            texts.push_back(message->metadata->getCapName() + ": message " + message->metadata->getMsgName() +
+                            (message->written != nullptr ? " was not written" : " was not read") + " (" +
+                            counted(message->failures, "time") + ")");
+        }
+    }
+    return texts;
+}
+
 const OpenFailure* MessageSet::failureOf(const std::string& feature) const {
     const bool isOpen = std::any_of(m_messages.begin(), m_messages.end(), [&](const auto& message) {
         return message->metadata->getCapName() == feature;
@@ -217,6 +236,7 @@ const std::vector<const CollectionData*>& MessageSet::read(const std::string& tr
         }
         if (!execute_i(*message)) {
             ++m_failedReads;
+            ++message->failures;
             continue;
         }
         if (message->written != nullptr) {

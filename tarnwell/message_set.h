@@ -63,6 +63,8 @@ public:
     std::uint64_t producedValues() const { return m_produced; }
     std::uint64_t missingValues() const { return m_missing; }
     std::uint64_t failedReads() const { return m_failedReads; }
+    /// The messages that could not be carried out every time, one sentence each.
+    std::vector<std::string> failures() const;
     bool isEmpty() const { return m_messages.empty(); }
     const std::vector<std::string>& problems() const { return m_problems; }
     /// Why a chosen feature has no message at all; null when it has one.
@@ -74,6 +76,7 @@ private:
         const pwr::MsgMetadata* metadata;
         const pwr::InputMsg* written; ///< to be written, not read; null for others
         int processor;                ///< that it is carried out on; -1 for any
+        std::uint64_t failures = 0;
         MessageInstances instances;
         CollectionData data;
     };

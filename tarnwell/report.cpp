@@ -37,6 +37,9 @@ std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const Mes
         notes.push_back("Values that could not be read: " + std::to_string(messages.missingValues()) +
                         " of " + std::to_string(messages.missingValues() + messages.producedValues()));
     }
+    for (const std::string& failure : messages.failures()) {
+        notes.push_back("Missing: " + failure);
+    }
     for (const std::string& problem : messages.problems()) {
         notes.push_back("Missing: " + problem);
     }

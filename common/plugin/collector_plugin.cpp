@@ -50,3 +50,11 @@ int CollectorPlugin::doImmediateWrite(const pwr::InputMsg* /*message*/) {
 MessageAvailability CollectorPlugin::probe(const pwr::MsgMetadata& /*message*/) {
     return {};
 }
+
+MessageAvailability CollectorPlugin::probeWrite(const pwr::MsgMetadata& /*message*/) {
+    return {};
+}
+
+std::vector<std::string> CollectorPlugin::getFiles(const pwr::MsgMetadata& /*message*/) const {
+    return {};
+}

@@ -77,4 +77,11 @@ public:
     /// Whether a message could be opened now. Asked of messages that nobody collects in the end, so it makes no
     /// handles and takes nothing. The base takes everything for available: open() has the last word.
     virtual MessageAvailability probe(const pwr::MsgMetadata& message);
+
+    /// The same of a message that is written. The base takes it for available.
+    virtual MessageAvailability probeWrite(const pwr::MsgMetadata& message);
+
+    /// The files of the machine that a message reads, `*` for what varies in a path, so that a record of the machine
+    /// can hold them. The base knows of none.
+    virtual std::vector<std::string> getFiles(const pwr::MsgMetadata& message) const;
 };

@@ -60,6 +60,29 @@ std::string complaint(const MsgMetadata& message, const OperationMetadata& opera
            keyOf(message, operation, key) + "\": " + what;
 }
 
+int checkKeys(const MsgMetadata& message, std::span<const std::string_view> known, std::string& error) {
+    for (const OperationMetadata* operation : message.getMetaValues()) {
+        for (const auto& [key, value] : operation->getValues()) {
+            if (isConstant(*operation) || std::find(known.begin(), known.end(), key) != known.end()) {
+                continue;
+            }
+            std::string words;
+            for (const std::string_view word : known) {
+                words += (words.empty() ? "" : ", ") + std::string(word);
+            }
+            error = complaint(message, *operation, key, "unknown key; there are " + words);
+            return 1;
+        }
+    }
+    return 0;
+}
+
+MessageAvailability onlyReads(const MsgMetadata& message, const std::string& collectorType) {
+    return {MessageAvailability::State::INVALID,
+            "message " + message.getMsgName() + ": WRITE-WHEN: " + collectorType + " is only read",
+            {}};
+}
+
 bool isCounter(const MsgMetadata& message) {
     return constantOf(message, "SOURCE") == "COUNTER";
 }

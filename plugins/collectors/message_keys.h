@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "common/metadata/msg_metadata.h"
 #include "common/metadata/operation_metadata.h"
+#include "common/plugin/collector_plugin.h"
 
 /// What the collectors' ways to read a message have in common: its keys, their patterns, and whom values belong to.
 namespace collectors {
@@ -24,6 +26,12 @@ const std::string& constantOf(const pwr::MsgMetadata& message, std::string_view 
 /// What is wrong with a key, with the message and the operation that have it.
 std::string complaint(const pwr::MsgMetadata& message, const pwr::OperationMetadata& operation,
                       std::string_view key, const std::string& what);
+
+/// Whether all keys of a message's operations are among these, so that a misspelt one is not taken for a missing one.
+/// 1 with the complaint.
+int checkKeys(const pwr::MsgMetadata& message, std::span<const std::string_view> known, std::string& error);
+/// What a collector that only reads says of a message that is written.
+MessageAvailability onlyReads(const pwr::MsgMetadata& message, const std::string& collectorType);
 
 // What the metric takes the bits for, by the keys that it goes by too, so that both agree. 1 with the complaint.
 int rawTypeOf(const pwr::MsgMetadata& message, const pwr::OperationMetadata& operation, RawType& type,

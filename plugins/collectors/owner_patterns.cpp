@@ -45,6 +45,25 @@ int OwnerPatterns::parse(const pwr::MsgMetadata& message, const pwr::OperationMe
     return 0;
 }
 
+int OwnerPatterns::checkVariables(const pwr::MsgMetadata& message, const pwr::OperationMetadata& operation,
+                                  std::string& error) const {
+    const std::string found = keyOf(message, operation, "PATH") + keyOf(message, operation, "FIELD");
+    const std::array<std::pair<const char*, const Pattern*>, 4> patterns{
+        {{"ENTITY", &m_entity},
+         {"ENTITY-FILE", &m_entityFile},
+         {"DESCRIPTOR", &m_descriptor},
+         {"DESCRIPTOR-FILE", &m_descriptorFile}}};
+    for (const auto& [key, pattern] : patterns) {
+        for (const std::string& name : pattern->variables()) {
+            if (found.find("{" + name + "}") == std::string::npos) {
+                error = complaint(message, operation, key, "neither PATH nor FIELD has {" + name + "}");
+                return 1;
+            }
+        }
+    }
+    return 0;
+}
+
 Owner OwnerPatterns::ownerOf(const pwr::MachineFiles& machine, const Binding& binding) const {
     Owner owner = m_owner;
     owner.binding = binding;

@@ -28,6 +28,10 @@ public:
     /// 1 with the complaint in `error`. `entity` is meant where the key ENTITY is missing.
     int parse(const pwr::MsgMetadata& message, const pwr::OperationMetadata& operation,
               const std::string& entity, std::string& error);
+    /// Whether PATH or FIELD, which find the values, have all variables of the patterns: others would be names as they
+    /// stand. 1 with the complaint.
+    int checkVariables(const pwr::MsgMetadata& message, const pwr::OperationMetadata& operation,
+                       std::string& error) const;
     /// Fills the patterns with what the variables stand for; names that stand in files are read from there.
     Owner ownerOf(const pwr::MachineFiles& machine, const Binding& binding) const;
 

@@ -129,13 +129,26 @@ std::string Pattern::expand(const Binding& binding) const {
     return text;
 }
 
+std::string Pattern::wildcard() const {
+    std::string text;
+    for (const Part& part : m_parts) {
+        text += part.isVariable ? "*" : part.text;
+    }
+    return text;
+}
+
 bool Pattern::hasVariables() const {
     return std::any_of(m_parts.begin(), m_parts.end(), [](const Part& part) { return part.isVariable; });
 }
 
-bool Pattern::hasVariable(std::string_view variable) const {
-    return std::any_of(m_parts.begin(), m_parts.end(),
-                       [variable](const Part& part) { return part.isVariable && part.text == variable; });
+std::vector<std::string> Pattern::variables() const {
+    std::vector<std::string> names;
+    for (const Part& part : m_parts) {
+        if (part.isVariable) {
+            names.push_back(part.text);
+        }
+    }
+    return names;
 }
 
 } // namespace collectors

@@ -33,8 +33,12 @@ public:
     /// The text with all bound variables filled in; free ones stay as they are.
     std::string expand(const Binding& binding) const;
 
+    /// The text with `*` for each variable.
+    std::string wildcard() const;
+
     bool hasVariables() const;
-    bool hasVariable(std::string_view variable) const;
+    /// The names of its variables, in their order.
+    std::vector<std::string> variables() const;
 
 private:
     struct Part {

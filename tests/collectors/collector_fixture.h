@@ -104,8 +104,8 @@ protected:
         return message != nullptr && m_plugin->open(*message, m_instances) == 0 ? message : nullptr;
     }
     /// What the collector says of it: "available", "not here", or "absent: reason (fix)" and the like.
-    std::string availability(const pwr::MsgMetadata& message) {
-        const MessageAvailability seen = m_plugin->probe(message);
+    std::string availability(const pwr::MsgMetadata& message) { return textOf(m_plugin->probe(message)); }
+    static std::string textOf(const MessageAvailability& seen) {
         constexpr std::array WORDS = {"available", "absent", "not here", "invalid"};
         return WORDS.at(static_cast<std::size_t>(seen.state)) +
                (seen.reason.empty() ? "" : ": " + seen.reason) +

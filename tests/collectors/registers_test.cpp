@@ -84,6 +84,11 @@ TEST_F(RegistersTest, whatIsWrongHasAReason) {
               {},
               lead + "REGISTER \"0x100000000\": expected a register's number of up to "
                      "32 bits | "},
+             {{{"REGISTER", "0"}, {"BITS", "0,3"}},
+              {},
+              lead +
+                  "BITS \"0,3\": unknown key; there are REGISTER, PATH, BIT-RANGE, WIDTH, RAW-TYPE, ENTITY, "
+                  "ENTITY-FILE, DESCRIPTOR, DESCRIPTOR-FILE | "},
              {{{"REGISTER", "0"}, {"BIT-RANGE", "0,64"}},
               {},
               lead + "BIT-RANGE \"0,64\": expected the lowest and the highest bit, from 0 to 63, as \"0,31\" "

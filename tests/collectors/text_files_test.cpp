@@ -1,5 +1,7 @@
 #include "tests/collectors/collector_fixture.h"
 
+#include <gmock/gmock.h>
+
 namespace {
 
 using namespace pwr;
@@ -104,6 +106,12 @@ TEST_F(TextFilesTest, badDeclarationsSayWhatIsWrong) {
               "RAW-TYPE \"FLOAT\": expected UINT, INT, REAL or STRING"},
              {{{"PATH", "/f"}, {"WIDTH", "65"}}, "WIDTH \"65\": expected a number of bits from 1 to 64"},
              {{{"PATH", "/f"}, {"ENTITY", "{x}"}}, "ENTITY \"{x}\": unknown variable {x}"},
+             {{{"PATH", "/f"}, {"FIELD", "{cpu} 1"}, {"DESCRIPTOR", "d{net}"}},
+              "DESCRIPTOR \"d{net}\": neither PATH nor FIELD has {net}"},
+             {{{"PATH", "/f"}, {"FEILD", "2"}},
+              "FEILD \"2\": unknown key; there are PATH, FIELD, WIDTH, RAW-TYPE, ENTITY, ENTITY-FILE, "
+              "DESCRIPTOR, "
+              "DESCRIPTOR-FILE"},
          }) {
         const auto message = makeMessage(c.keys, {}, 1);
         EXPECT_EQ(1, plugin().open(*message, m_instances));
@@ -233,6 +241,60 @@ TEST_F(TextFilesTest, offlineProcessorIsMissingNotStandingStill) {
     EXPECT_EQ("Thread_5/POLL=- Thread_5/C1=- Thread_5/C6S=-", lastThree()) << "though the files are there";
     plugin().close(*idle);
     EXPECT_EQ("nothing read", read(*idle));
+}
+
+TEST_F(TextFilesTest, writingGoesToAllFilesThatMatch) {
+    namespace fs = std::filesystem;
+    const fs::path root = fs::temp_directory_path() / "kr_text_files_written";
+    const auto content = [&root](const char* file) {
+        std::ifstream stream(root / file);
+        return std::string{std::istreambuf_iterator<char>(stream), {}};
+    };
+    for (const char* file : {"cpu0/limit", "cpu1/limit", "cpu2/other"}) {
+        fs::create_directories((root / file).parent_path());
+        std::ofstream(root / file) << "100000\n";
+    }
+    load("text_files", root.string());
+    InputMsg message("SET");
+    auto* operation = new HWOperation("SET", "TEXT-FILE");
+    operation->addKey("PATH", "/cpu{cpu}/limit");
+    ASSERT_EQ(0, message.addOperation(operation));
+    EXPECT_EQ("invalid: SET, operation SET: VALUE \"\": what to write is missing",
+              textOf(plugin().probeWrite(*message.createMsgMetadata())));
+    EXPECT_EQ(-1, plugin().doImmediateWrite(&message));
+    EXPECT_EQ(0, plugin().doImmediateWrite(operation, "7"));
+    EXPECT_EQ("7\n7\n100000\n", content("cpu0/limit") + content("cpu1/limit") + content("cpu2/other"));
+    operation->addKey("VALUE", "800");
+    EXPECT_EQ("available", textOf(plugin().probeWrite(*message.createMsgMetadata())));
+    m_log.take();
+    EXPECT_EQ(0, plugin().doImmediateWrite(&message));
+    EXPECT_EQ("800\n", content("cpu0/limit"));
+    EXPECT_EQ("", m_log.take());
+    fs::remove(root / "cpu0/limit");
+    fs::create_directory(root / "cpu0/limit");
+    EXPECT_EQ(-1, plugin().doImmediateWrite(&message));
+    EXPECT_THAT(m_log.take(), testing::HasSubstr("/cpu0/limit does not take \"800\""));
+    EXPECT_EQ(-1, plugin().doImmediateWrite(&message));
+    EXPECT_EQ("", m_log.take()) << "said already";
+    fs::remove_all(root);
+}
+
+TEST_F(TextFilesTest, recordedMachinesAreNotWritten) {
+    loadFile("1\n");
+    HWOperation operation("SET", "TEXT-FILE");
+    operation.addKey("PATH", "/f");
+    EXPECT_EQ(-1, plugin().doImmediateWrite(&operation, "2"));
+    EXPECT_THAT(m_log.take(), testing::HasSubstr("/f may not be written"));
+}
+
+TEST_F(TextFilesTest, keysThatTheFileHasTwiceHideNoLaterOnes) {
+    loadFile("a 1\na 2\nb 3\n");
+    MsgMetadata message(1, 1, 1, "feature", "MSG");
+    for (const char* key : {"a 1", "b 1"}) {
+        message.addMetaValue(OperationMetadata(key, "TEXT-FILE", 8, "",
+                                               Keys{{"PATH", "/f"}, {"FIELD", key}, {"DESCRIPTOR", key}}));
+    }
+    EXPECT_EQ("SYSTEM/a 1=1 SYSTEM/b 1=3", openAndRead(message));
 }
 
 TEST_F(TextFilesTest, machineThatIsNotThereKeepsThePluginOut) {

@@ -133,7 +133,7 @@ TEST(MachineDescription, isTheSameFromARecordingOfTheMachine) {
                            std::to_string(tarnwell::wallClockMicroseconds()) + ".bundle";
     settings.seconds = 0.001;
     std::string reason;
-    ASSERT_EQ(0, tarnwell::captureMachine(*machine, settings, reason)) << reason;
+    ASSERT_EQ(0, tarnwell::captureMachine(*machine, settings, {}, reason)) << reason;
     const auto recorded = pwr::openMachine(settings.captureFile, reason);
     std::remove(settings.captureFile.c_str());
     ASSERT_NE(nullptr, recorded) << reason;

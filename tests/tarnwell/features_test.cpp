@@ -195,6 +195,8 @@ TEST_F(Features, mistakesAreAllNamedWithFileAndLine) {
         {"ALL_SWAP_IN_CONSTANT_SUORCE=COUNTER", "swap.cfg:14: message IN: unknown key SUORCE"},
         {"ALL_SWAP_IN_CONSTANT_INSTEAD-OF=OUT", "swap.cfg:14: message IN: INSTEAD-OF: the capability has no"},
         {"ALL_SWAP_IN_MSG_READ-WHICH-CPU=all", "swap.cfg:14: message IN: READ-WHICH-CPU"},
+        {"ALL_SWAP_IN_TEXT-FILE_FEILD=1",
+         "swap.cfg:14: IN, operation IN: FEILD \"1\": unknown key; there are PATH"},
         {"ALL_SWAP_IN_TEXT-FILES_PATH=/proc/vmstat", "(swap.cfg:14)"},
         {"ALL_SWAP_IN=1", "(swap.cfg:14)"},
     };
@@ -219,6 +221,52 @@ TEST_F(Features, mistakesAreAllNamedWithFileAndLine) {
         EXPECT_THAT(checked.errors, HasSubstr(c.said));
         EXPECT_THAT(checked.errors, HasSubstr("(more.cfg:1)")) << "one run names the faults of all files";
     }
+}
+
+TEST_F(Features, writtenMessagesSetWhatLaterOnesRead) {
+    fs::create_directories("root/proc");
+    writeFile("root/proc/limit", "100\n");
+    writeFile("set.cfg", "ALL_LIMIT_CAPABILITY_COMMAND-LINE_VALUE=limit\n"
+                         "ALL_LIMIT_LOW_TEXT-FILE_PATH=/proc/limit\n"
+                         "ALL_LIMIT_LOW_TEXT-FILE_VALUE=60\n"
+                         "ALL_LIMIT_LOW_MSG_WRITE-WHEN=INIT\n"
+                         "ALL_LIMIT_IN_TEXT-FILE_PATH=/proc/limit\n"
+                         "ALL_LIMIT_IN_MSG_READ-WHEN=BEGIN\n"
+                         "ALL_LIMIT_BACK_TEXT-FILE_PATH=/proc/limit\n"
+                         "ALL_LIMIT_BACK_TEXT-FILE_VALUE=90\n"
+                         "ALL_LIMIT_BACK_MSG_WRITE-WHEN=FINI\n"
+                         "ALL_LIMIT_LOST_TEXT-FILE_PATH=/proc/none\n"
+                         "ALL_LIMIT_LOST_TEXT-FILE_VALUE=1\n"
+                         "ALL_LIMIT_LOST_MSG_WRITE-WHEN=END\n"
+                         "ALL_LIMIT_BAD_TEXT-FILE_PATH=/proc\n"
+                         "ALL_LIMIT_BAD_TEXT-FILE_VALUE=1\n"
+                         "ALL_LIMIT_BAD_MSG_WRITE-WHEN=BEGIN,END\n");
+    const ProgramResult result =
+        runProgram(m_scratch, {"--machine", "root", "--hardware-config", "set.cfg", "--feature", "limit",
+                               "--time", "0.01", "--save", "set.twc"});
+    EXPECT_EQ(3, result.exitCode) << result.errors;
+    EXPECT_THAT(result.output, HasSubstr("Missing: limit: message BAD was not written (2 times)"));
+    EXPECT_THAT(result.output,
+                HasSubstr("Missing: limit: message LOST is off: nothing on this machine matches"));
+    EXPECT_EQ("90\n", readFile("root/proc/limit"));
+    const std::string lines = runProgram(m_scratch, {"export", "--csv", "set.twc"}).output;
+    EXPECT_THAT(lines, HasSubstr(",IN,"));
+    EXPECT_THAT(lines, HasSubstr(",60\r\n")) << lines;
+    EXPECT_THAT(lines, Not(HasSubstr(",LOW,"))) << "what is written gives no readings";
+}
+
+TEST_F(Features, doctorListsGroupsAndCapturesCountersOfOnesOwn) {
+    writeFile("swap.cfg", std::string(kSwap) + "ALL_CPU_CAPABILITY_GROUP_VALUE=paging\n");
+    const ProgramResult doctor = run({"doctor", "--hardware-config", "swap.cfg", "--capture", "copy.bundle"});
+    EXPECT_THAT(doctor.output, HasSubstr("\nGroups of features:\n  paging  cpu, swap\n")) << doctor.errors;
+    const std::string odd =
+        "ALL_ODD_CAPABILITY_COMMAND-LINE_VALUE=odd\nALL_ODD_A_TEXT-FILE_PATH=/odd/{net}/x\n";
+    writeFile("odd.cfg", odd);
+    fs::create_directories("root/odd/one");
+    writeFile("root/odd/one/x", "5\n");
+    runProgram(m_scratch, {"doctor", "--machine", "root", "--hardware-config", "odd.cfg", "--capture",
+                           "odd.bundle", "--time", "0.01"});
+    EXPECT_THAT(readFile("odd.bundle"), HasSubstr("\nline /odd/one/x 5\n"));
 }
 
 TEST_F(Features, whatNothingServesIsOffWithAReason) {

@@ -110,6 +110,10 @@ MessageAvailability Aggregator::probe(const pwr::MsgMetadata& message) {
     return isThere ? MessageAvailability() : MessageAvailability{State::ABSENT, seen.reason, seen.fix};
 }
 
+MessageAvailability Aggregator::probeWrite(const pwr::MsgMetadata& message) {
+    return collectors::onlyReads(message, AggrTelemOperation::c_collectorType);
+}
+
 int Aggregator::open(const pwr::MsgMetadata& message, MessageInstances& out) {
     out = MessageInstances();
     if (m_endpoints.empty()) {

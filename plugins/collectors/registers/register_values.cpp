@@ -1,7 +1,9 @@
 #include "plugins/collectors/registers/register_values.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "common/model/entity_handle.h"
@@ -20,6 +22,9 @@ using pwr::EntityHandle;
 using pwr::MachineStatus;
 
 constexpr unsigned REGISTER_BITS = 64;
+constexpr std::array<std::string_view, 9> KEYS{"REGISTER",    "PATH",       "BIT-RANGE",
+                                               "WIDTH",       "RAW-TYPE",   "ENTITY",
+                                               "ENTITY-FILE", "DESCRIPTOR", "DESCRIPTOR-FILE"};
 
 /// The core or the package of a logical processor; null when the topology does not know the processor.
 const EntityHandle* coreOf(int processor) {
@@ -154,6 +159,9 @@ private:
 
 RegisterValues findRegisters(const pwr::MachineFiles& machine, const pwr::MsgMetadata& message) {
     RegisterValues found;
+    if (collectors::checkKeys(message, KEYS, found.error) != 0) {
+        return found;
+    }
     for (const pwr::OperationMetadata* operation : message.getMetaValues()) {
         if (!collectors::isConstant(*operation) &&
             RegisterFinder(machine, message, *operation, found).find() != 0) {

@@ -63,6 +63,10 @@ MessageAvailability Registers::probe(const pwr::MsgMetadata& message) {
                                               : MessageAvailability{State::ABSENT, seen.reason, seen.fix};
 }
 
+MessageAvailability Registers::probeWrite(const pwr::MsgMetadata& message) {
+    return collectors::onlyReads(message, COLLECTOR_TYPE);
+}
+
 int Registers::open(const pwr::MsgMetadata& message, MessageInstances& out) {
     out = MessageInstances();
     std::vector<RegisterValue> values;

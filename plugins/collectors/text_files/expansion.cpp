@@ -1,5 +1,7 @@
 #include "plugins/collectors/text_files/expansion.h"
 
+#include <array>
+#include <string_view>
 #include <utility>
 
 #include "common/metadata/operation_metadata.h"
@@ -18,6 +20,9 @@ using pwr::MachineFiles;
 using pwr::MachineStatus;
 using pwr::MsgMetadata;
 using pwr::OperationMetadata;
+
+constexpr std::array<std::string_view, 8> READ_KEYS{"PATH",   "FIELD",       "WIDTH",      "RAW-TYPE",
+                                                    "ENTITY", "ENTITY-FILE", "DESCRIPTOR", "DESCRIPTOR-FILE"};
 
 /// Expands one operation of a message.
 class OperationExpander {
@@ -54,6 +59,7 @@ private:
             return fail_i("FIELD", what);
         }
         return m_owners.parse(m_message, m_operation, "", m_out.error) != 0 ||
+                       m_owners.checkVariables(m_message, m_operation, m_out.error) != 0 ||
                        rawTypeOf(m_message, m_operation, m_type, m_out.error) != 0 ||
                        collectors::widthOf(m_message, m_operation, m_width, m_out.error) != 0
                    ? 1
@@ -95,6 +101,9 @@ private:
 
 Expansion expandMessage(const MachineFiles& machine, const MsgMetadata& message) {
     Expansion expansion;
+    if (collectors::checkKeys(message, READ_KEYS, expansion.error) != 0) {
+        return expansion;
+    }
     for (const OperationMetadata* operation : message.getMetaValues()) {
         if (!isConstant(*operation) &&
             OperationExpander(machine, message, *operation, expansion).expand() != 0) {

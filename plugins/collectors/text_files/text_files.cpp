@@ -1,17 +1,22 @@
 #include "plugins/collectors/text_files/text_files.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <set>
 #include <utility>
 
+#include "common/config/input_msg.h"
 #include "common/metadata/msg_metadata.h"
 #include "common/platform/system_info.h"
 #include "common/plugin/logger.h"
 #include "common/plugin/plugin_loader.h"
 #include "common/values/data.h"
 #include "plugins/collectors/binary_file.h"
+#include "plugins/collectors/message_keys.h"
+#include "plugins/collectors/pattern.h"
 #include "plugins/collectors/reading_time.h"
+#include "plugins/collectors/text_files/writing.h"
 
 namespace text_files {
 
@@ -75,9 +80,7 @@ MessageAvailability TextFiles::probe(const MsgMetadata& message) {
     if (!expansion.error.empty()) {
         return {State::INVALID, expansion.error, {}}; // wherever it is checked
     }
-    // Another collector reads such a system's counters. What lies at "/proc" there, as it does below an emulation
-    // of the system, is not this system's and must not be counted twice.
-    if (m_where == "/" && !pwr::platform::keepsCountersInFiles()) {
+    if (!isMachineOfFiles_i()) {
         return {State::NOT_HERE, {}, {}};
     }
     leaveOutUnused_i(collectors::constantOf(message, "SKIP-UNUSED"), expansion.places);
@@ -88,6 +91,40 @@ MessageAvailability TextFiles::probe(const MsgMetadata& message) {
         return {State::ABSENT, expansion.denied + " may not be read", collectors::DENIED_FIX};
     }
     return {State::ABSENT, {}, {}};
+}
+
+MessageAvailability TextFiles::probeWrite(const MsgMetadata& message) {
+    if (!m_machine) {
+        return {State::NOT_HERE, {}, {}};
+    }
+    const Writing writing = planWriting(*m_machine, message);
+    if (!writing.error.empty()) {
+        return {State::INVALID, writing.error, {}};
+    }
+    const State lacking = isMachineOfFiles_i() ? State::ABSENT : State::NOT_HERE;
+    return {isMachineOfFiles_i() && !writing.targets.empty() ? State::AVAILABLE : lacking, {}, {}};
+}
+
+/// Another collector reads the counters of a system that has none in files. What lies at "/proc" there, as it does
+/// below an emulation of the system, is not this system's and must not be counted twice.
+bool TextFiles::isMachineOfFiles_i() const {
+    return m_where != "/" || pwr::platform::keepsCountersInFiles();
+}
+
+std::vector<std::string> TextFiles::getFiles(const MsgMetadata& message) const {
+    std::vector<std::string> files;
+    for (const pwr::OperationMetadata* operation : message.getMetaValues()) {
+        for (const char* key : {"PATH", "ENTITY-FILE", "DESCRIPTOR-FILE"}) {
+            collectors::Pattern path;
+            std::string ignored;
+            if (!collectors::isConstant(*operation) &&
+                path.parse(collectors::keyOf(message, *operation, key), ignored) == 0) {
+                files.push_back(path.wildcard());
+            }
+        }
+    }
+    std::erase_if(files, [](const std::string& file) { return !file.starts_with('/'); });
+    return files;
 }
 
 int TextFiles::open(const MsgMetadata& message, MessageInstances& out) {
@@ -157,6 +194,47 @@ int TextFiles::read(const MsgMetadata& message, CollectionData& out) {
                     [](const RawValue& value) { return value.kind == RawValue::Kind::TEXT; });
     out.header().flags = hasText ? tw_driver_msg_flag::TEXT : 0;
     return plan->second->store(out);
+}
+
+int TextFiles::doImmediateWrite(pwr::Operation* operation, const std::string& argument) {
+    if (operation == nullptr) {
+        return -1;
+    }
+    pwr::MsgMetadata message(0, 0, 0, {}, operation->getOrgMsgTag());
+    for (const auto& part : operation->createAllMetadata()) {
+        pwr::OperationMetadata::ValueList keys = part->getValues();
+        if (!argument.empty()) {
+            std::erase_if(keys, [](const auto& pair) { return pair.first == "VALUE"; });
+            keys.emplace_back("VALUE", argument);
+        }
+        message.addMetaValue(pwr::OperationMetadata(part->getName(), part->getOperation(), part->getSize(),
+                                                    {}, std::move(keys)));
+    }
+    std::set<std::string> told;
+    return write_i(message, told);
+}
+
+int TextFiles::doImmediateWrite(const pwr::InputMsg* message) {
+    return message == nullptr ? -1 : write_i(*message->createMsgMetadata(), m_told);
+}
+
+int TextFiles::write_i(const MsgMetadata& message, std::set<std::string>& told) {
+    if (!m_machine || !isMachineOfFiles_i()) {
+        return -1;
+    }
+    const Writing writing = planWriting(*m_machine, message);
+    std::vector<std::string> complaints = carryOut(*m_machine, writing);
+    if (!writing.error.empty()) {
+        complaints.push_back(writing.error);
+    } else if (writing.targets.empty()) {
+        complaints.push_back("message " + message.getMsgName() + ": nothing on this machine matches");
+    }
+    for (const std::string& complaint : complaints) {
+        if (told.insert(complaint).second) {
+            pwr::logError("ERROR: %s\n", complaint.c_str());
+        }
+    }
+    return complaints.empty() ? 0 : -1;
 }
 
 void TextFiles::close(const MsgMetadata& message) {

@@ -31,8 +31,9 @@ void addSorted(std::vector<Target>& targets, Target target) {
     targets.insert(place, target);
 }
 
-/// Reads the words that sorted targets want out of a text.
-void readWords(std::string_view text, const std::vector<Target>& targets, std::span<RawValue> values) {
+/// Reads the words that sorted targets want out of a text. Gives how many of them it found first.
+std::size_t readWords(std::string_view text, const std::vector<Target>& targets, std::span<RawValue> values) {
+    std::size_t found = 0;
     unsigned number = 0;
     std::string_view word;
     for (const Target& target : targets) {
@@ -41,12 +42,14 @@ void readWords(std::string_view text, const std::vector<Target>& targets, std::s
             ++number;
         }
         if (word.empty()) {
-            return;
+            break;
         }
         if (values[target.slot].kind == RawValue::Kind::MISSING) { // the first line of a key counts
             parseValue(word, target.type, values[target.slot]);
+            found += values[target.slot].kind == RawValue::Kind::MISSING ? 0 : 1;
         }
     }
+    return found;
 }
 
 /// Finds what a key of the file belongs to. Files keep their order from read to read, so the key after
@@ -110,17 +113,17 @@ public:
         const std::size_t line = m_keys.addKey(field.key.expand(binding));
         m_lines.resize(m_keys.size());
         addSorted(m_lines[line], {field.number, slot, type});
+        ++m_targetCount;
     }
 
     void read(std::string_view text, std::span<RawValue> values) override {
         m_keys.rewind();
-        std::size_t missing = m_lines.size();
+        std::size_t missing = m_targetCount;
         while (!text.empty() && missing > 0) {
             std::string_view line = takeLine(text);
             const std::size_t index = m_keys.find(takeWord(line));
             if (index != KeyTable::NONE) {
-                readWords(line, m_lines[index], values);
-                --missing;
+                missing -= readWords(line, m_lines[index], values);
             }
         }
     }
@@ -128,6 +131,7 @@ public:
 private:
     KeyTable m_keys;
     std::vector<std::vector<Target>> m_lines;
+    std::size_t m_targetCount = 0;
 };
 
 class SumReader : public TextReader {
