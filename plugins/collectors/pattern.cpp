@@ -16,7 +16,7 @@ constexpr std::array VARIABLES{
     VariableRow{"cpu", true},      VariableRow{"core", true},   VariableRow{"package", true},
     VariableRow{"state", true},    VariableRow{"sensor", true}, VariableRow{"channel", true},
     VariableRow{"zone", true},     VariableRow{"net", false},   VariableRow{"block", false},
-    VariableRow{"endpoint", true},
+    VariableRow{"endpoint", true}, VariableRow{"number", true}, VariableRow{"name", false},
 };
 
 const VariableRow* findVariable(std::string_view name) {
@@ -66,6 +66,10 @@ int Pattern::parse(std::string_view text, std::string& error) {
         const VariableRow* row = findVariable(name);
         if (row == nullptr) {
             error = "unknown variable {" + std::string(name) + "}";
+            return 1;
+        }
+        if (!m_parts.empty() && m_parts.back().isVariable) {
+            error = "{" + m_parts.back().text + "} and {" + std::string(name) + "} need a text between them";
             return 1;
         }
         m_parts.push_back({std::string(name), true, row->isNumber});

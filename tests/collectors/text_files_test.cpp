@@ -94,6 +94,8 @@ TEST_F(TextFilesTest, badDeclarationsSayWhatIsWrong) {
     for (const Case& c : {
              Case{{{"PATH", "f"}}, "PATH \"f\": it must start with \"/\""},
              {{{"PATH", "/{moon}"}}, "PATH \"/{moon}\": unknown variable {moon}"},
+             {{{"PATH", "/{name}{number}"}},
+              "PATH \"/{name}{number}\": {name} and {number} need a text between them"},
              {{{"PATH", "/{cpu"}}, "PATH \"/{cpu\": \"{\" without \"}\""},
              {{{"PATH", "/f"}, {"FIELD", "total"}},
               "FIELD \"total\": the number of a word, from 1, is missing"},

@@ -175,7 +175,9 @@ TEST_F(Features, shippedDescriptionHasNoFaultAndSaysWhyThingsAreAbsent) {
         "                   why: no sensors in /sys/class/hwmon or /sys/class/thermal\n"
         "                   fix: load the drivers of the machine's sensors; virtual machines usually have "
         "none\n"
-        "  memory      yes  system memory\n",
+        "  memory      yes  system memory\n"
+        "Groups of features:\n"
+        "  temperature  temp\n",
         runProgram(m_scratch, {"doctor", "--machine", bundle}).output);
 }
 
@@ -258,7 +260,8 @@ TEST_F(Features, writtenMessagesSetWhatLaterOnesRead) {
 TEST_F(Features, doctorListsGroupsAndCapturesCountersOfOnesOwn) {
     writeFile("swap.cfg", std::string(kSwap) + "ALL_CPU_CAPABILITY_GROUP_VALUE=paging\n");
     const ProgramResult doctor = run({"doctor", "--hardware-config", "swap.cfg", "--capture", "copy.bundle"});
-    EXPECT_THAT(doctor.output, HasSubstr("\nGroups of features:\n  paging  cpu, swap\n")) << doctor.errors;
+    EXPECT_THAT(doctor.output, HasSubstr("\nGroups of features:\n  paging       cpu, swap\n"))
+        << doctor.errors;
     const std::string odd =
         "ALL_ODD_CAPABILITY_COMMAND-LINE_VALUE=odd\nALL_ODD_A_TEXT-FILE_PATH=/odd/{net}/x\n";
     writeFile("odd.cfg", odd);
