@@ -143,8 +143,8 @@ int checkHardware(const std::vector<std::string>& checked, const std::vector<std
     pwr::ConfigLint lint;
     ConfigurationTexts texts;
     for (const std::string& file : checked) {
-        lint.checkFile(file);
         texts.push_back(namedText(file));
+        lint.checkText(file, texts.back().second);
     }
     for (const pwr::ConfigFinding& finding : lint.getFindings()) {
         complain({"warning: " + finding.file + ":" + std::to_string(finding.line) + ": " + finding.text});

@@ -3,6 +3,7 @@
 #include "common/config/input_msg.h"
 #include "common/config/statement.h"
 #include "common/config/tw_configfile_parser.h"
+#include "common/pw_utils.h"
 #include "tarnwell/complaints.h"
 #include "tarnwell/hardware_texts.h"
 #include "tarnwell/message_check.h"
@@ -84,6 +85,9 @@ int HardwareDescription::read(const std::string& libraryFolder, const std::vecto
     std::vector<std::string> files = shippedFiles(libraryFolder, "hardware", "nothing is known to collect");
     files.insert(files.end(), more.begin(), more.end());
     for (const std::string& file : files) {
+        if (pwr::tw_dirExists(file)) {
+            complain({file + " is a folder: name the files in it"});
+        }
         m_texts.push_back(namedText(file));
     }
     return pwr::TWConfigFileParser::instance()->parse(files);

@@ -119,6 +119,9 @@ private:
         if (opened != 0) {
             return toInt(ExitCode::FAILED);
         }
+        const auto unknown = m_plugins.missingMetricPlugins(m_messages.declarations());
+        complain(unknown);
+        m_missing.insert(m_missing.end(), unknown.begin(), unknown.end());
         Collection collection(m_settings,
                               {m_clock, m_moments, m_messages, m_saving, m_computation, m_system});
         pwr::platform::installInterruptHandler();

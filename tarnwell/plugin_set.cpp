@@ -1,6 +1,7 @@
 #include "tarnwell/plugin_set.h"
 
 #include "common/machine_files.h"
+#include "common/metadata/metric_metadata.h"
 #include "common/plugin/collector_plugin.h"
 #include "common/plugin/metric_plugin.h"
 #include "common/pw_utils.h"
@@ -92,6 +93,25 @@ MessageAvailability PluginSet::whyNotServed(const std::string& collectorType) co
         }
     }
     return why;
+}
+
+std::vector<std::string> PluginSet::missingMetricPlugins(
+    const std::vector<const pwr::Metadata*>& declarations) const {
+    std::set<std::string> notes;
+    for (const pwr::Metadata* declaration : declarations) {
+        const auto* metric = dynamic_cast<const pwr::MetricMetadata*>(declaration);
+        for (const auto& [key, value] :
+             metric == nullptr ? pwr::MetricMetadata::ValueList() : metric->getValues()) {
+            const bool isThere = key != "PLUGIN" || std::any_of(m_metrics.begin(), m_metrics.end(),
+                                                                [n = value](const MetricPlugin* plugin) {
+                                                                    return plugin->getName() == n;
+                                                                });
+            if (!isThere) {
+                notes.insert("there is no metric plug-in \"" + value + "\"");
+            }
+        }
+    }
+    return {notes.begin(), notes.end()};
 }
 
 std::string PluginSet::versionOf(const Plugin& plugin) const {

@@ -14,7 +14,8 @@ class WriterPlugin;
 
 namespace pwr {
 class MachineFiles;
-}
+class Metadata;
+} // namespace pwr
 
 namespace tarnwell {
 
@@ -51,6 +52,11 @@ public:
 
     /// Why no collector serves a type: its plug-in could not be loaded, or is for other systems.
     MessageAvailability whyNotServed(const std::string& collectorType) const;
+
+    /// One sentence for each metric plug-in that declared metrics name and nobody installed: they would be missing
+    /// without a word.
+    std::vector<std::string> missingMetricPlugins(
+        const std::vector<const pwr::Metadata*>& declarations) const;
 
     /// The version of the library that a plug-in was built with.
     std::string versionOf(const Plugin& plugin) const;

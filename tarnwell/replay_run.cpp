@@ -118,7 +118,9 @@ private:
         std::vector<const pwr::Metadata*> declarations;
         for (const auto& declaration : m_reader.declarations()) {
             declarations.push_back(declaration.get());
-            notePlugin_i(*declaration);
+        }
+        for (std::string& note : m_plugins.missingMetricPlugins(declarations)) {
+            m_missing.push_back(std::move(note));
         }
         std::vector<AnnouncedMessage> chosen;
         for (const SavedMessages::Message* message : m_messages.all()) {
@@ -129,28 +131,6 @@ private:
         }
         m_computation.announce(declarations, chosen, m_system);
         complain(m_missing);
-    }
-
-    /// A metric whose plug-in is not installed here would be missing without a word.
-    void notePlugin_i(const pwr::Metadata& declaration) {
-        const auto* metric = dynamic_cast<const pwr::MetricMetadata*>(&declaration);
-        if (metric == nullptr) {
-            return;
-        }
-        for (const auto& pair : metric->getValues()) {
-            if (pair.first != "PLUGIN" || hasMetricPlugin_i(pair.second)) {
-                continue;
-            }
-            const std::string note = "there is no metric plug-in \"" + pair.second + "\"";
-            if (std::find(m_missing.begin(), m_missing.end(), note) == m_missing.end()) {
-                m_missing.push_back(note);
-            }
-        }
-    }
-
-    bool hasMetricPlugin_i(const std::string& name) const {
-        return std::any_of(m_plugins.metrics().begin(), m_plugins.metrics().end(),
-                           [&](const MetricPlugin* plugin) { return plugin->getName() == name; });
     }
 
     void replay_i() {

@@ -282,6 +282,10 @@ int MetricDeclaration::complete_i(std::string& error) {
     if (type == MetricType::SampledResidency) {
         valueType = DataType::UINT; // ticks
     }
+    if (type == MetricType::SampledResidency && !quantity.empty() && quantity != "time") {
+        error = "QUANTITY: a SampledResidency is of \"time\"";
+        return 1;
+    }
     if (isCounter && rawType != DataType::UINT) {
         error = "RAW-TYPE: a COUNTER is UINT";
         return 1;

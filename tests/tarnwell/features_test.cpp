@@ -194,6 +194,8 @@ TEST_F(Features, mistakesAreAllNamedWithFileAndLine) {
          "swap.cfg:9: message IN: METRIC-TYPE: expected SampledDelta"},
         {"ALL_SWAP_IN_CONSTANT_QUANTITY=pages",
          "swap.cfg:11: message IN: QUANTITY: \"pages\" is no built-in"},
+        {"ALL_SWAP_IN_CONSTANT_METRIC-TYPE=SampledResidency",
+         "swap.cfg:11: message IN: QUANTITY: a SampledResidency"},
         {"ALL_SWAP_IN_CONSTANT_SUORCE=COUNTER", "swap.cfg:14: message IN: unknown key SUORCE"},
         {"ALL_SWAP_IN_CONSTANT_INSTEAD-OF=OUT", "swap.cfg:14: message IN: INSTEAD-OF: the capability has no"},
         {"ALL_SWAP_IN_MSG_READ-WHICH-CPU=all", "swap.cfg:14: message IN: READ-WHICH-CPU"},
@@ -282,6 +284,16 @@ TEST_F(Features, whatNothingServesIsOffWithAReason) {
     const ProgramResult asked = run({"--hardware-config", "off.cfg", "--feature", "power"});
     EXPECT_EQ(3, asked.exitCode);
     EXPECT_THAT(asked.errors, HasSubstr("power is not available: no telemetry endpoints are known"));
+    writeFile("none.cfg",
+              "ALL_NONE_CAPABILITY_COMMAND-LINE_VALUE=none\nALL_NONE_A_TEXT-FILE_PATH=/proc/none\n");
+    EXPECT_THAT(
+        run({"--hardware-config", "none.cfg", "--feature", "none"}).errors,
+        HasSubstr("none is not available: nothing on this machine matches message A, PATH=/proc/none"));
+    writeFile("plugin.cfg", std::string(kSwap) + "ALL_SWAP_IN_CONSTANT_PLUGIN=other\n");
+    const ProgramResult other = run({"--hardware-config", "plugin.cfg", "--feature", "swap"});
+    EXPECT_EQ(3, other.exitCode);
+    EXPECT_THAT(other.output, HasSubstr("Missing: there is no metric plug-in \"other\""));
+    EXPECT_THAT(run({"--hardware-config", "."}).errors, HasSubstr(". is a folder: name the files in it"));
 }
 
 } // namespace
