@@ -95,6 +95,12 @@ MessageAvailability WindowsCounters::probe(const pwr::MsgMetadata& message) {
     return {isHere ? State::AVAILABLE : State::ABSENT, {}, {}};
 }
 
+MessageAvailability WindowsCounters::probeWrite(const pwr::MsgMetadata& message) {
+    return {State::INVALID,
+            "message " + message.getMsgName() + ": WRITE-WHEN: " + COLLECTOR_TYPE + " is only read",
+            {}};
+}
+
 /// The source and the number of an operation's counter; null with the reason.
 CounterSource* WindowsCounters::findCounter_i(const OperationMetadata& operation, std::size_t& counter,
                                               std::string& reason) const {

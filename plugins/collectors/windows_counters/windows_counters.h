@@ -28,6 +28,7 @@ public:
     const char* getDescription() const override;
     std::vector<std::string> getCollectorTypes() const override;
     MessageAvailability probe(const pwr::MsgMetadata& message) override;
+    MessageAvailability probeWrite(const pwr::MsgMetadata& message) override;
     int open(const pwr::MsgMetadata& message, MessageInstances& out) override;
     int read(const pwr::MsgMetadata& message, CollectionData& out) override;
     void close(const pwr::MsgMetadata& message) override;
