@@ -46,7 +46,11 @@ int likeness(const Statement& statement, const std::string& complaint) {
     if (complaint.find(key) == std::string::npos) {
         return 0;
     }
-    return !value.empty() && complaint.find("\"" + std::string(value) + "\"") != std::string::npos ? 2 : 1;
+    const std::string quoted = "\"" + std::string(value) + "\"";
+    if (complaint.find(std::string(key) + " " + quoted) != std::string::npos) {
+        return 3; // other keys may be named as well, with a value like theirs
+    }
+    return !value.empty() && complaint.find(quoted) != std::string::npos ? 2 : 1;
 }
 
 } // namespace

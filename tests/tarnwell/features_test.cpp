@@ -199,8 +199,8 @@ TEST_F(Features, mistakesAreAllNamedWithFileAndLine) {
         {"ALL_SWAP_IN_CONSTANT_SUORCE=COUNTER", "swap.cfg:14: message IN: unknown key SUORCE"},
         {"ALL_SWAP_IN_CONSTANT_INSTEAD-OF=OUT", "swap.cfg:14: message IN: INSTEAD-OF: the capability has no"},
         {"ALL_SWAP_IN_MSG_READ-WHICH-CPU=all", "swap.cfg:14: message IN: READ-WHICH-CPU"},
-        {"ALL_SWAP_IN_TEXT-FILE_FEILD=1",
-         "swap.cfg:14: IN, operation IN: FEILD \"1\": unknown key; there are PATH"},
+        {"ALL_SWAP_IN_TEXT-FILE_FEILD=pswpin 1",
+         "swap.cfg:14: IN, operation IN: FEILD \"pswpin 1\": unknown key; there are PATH"},
         {"ALL_SWAP_IN_TEXT-FILES_PATH=/proc/vmstat", "(swap.cfg:14)"},
         {"ALL_SWAP_IN=1", "(swap.cfg:14)"},
     };
