@@ -16,10 +16,6 @@ function(krcommon_foreign_headers folder marker package)
     file(CREATE_LINK ${KRCOMMON_${folder}_ROOT}/${folder} ${KRCOMMON_FOREIGN_INCLUDE}/${folder} SYMBOLIC)
 endfunction()
 
-krcommon_foreign_headers(CLI CLI.hpp libcli11-dev)
-add_library(krcommon_cli INTERFACE)
-target_include_directories(krcommon_cli SYSTEM INTERFACE ${KRCOMMON_FOREIGN_INCLUDE})
-
 krcommon_foreign_headers(nlohmann json.hpp nlohmann-json3-dev)
 add_library(krcommon_json INTERFACE)
 target_include_directories(krcommon_json SYSTEM INTERFACE ${KRCOMMON_FOREIGN_INCLUDE})

@@ -12,6 +12,8 @@ else()
     set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
     set(CPACK_DEBIAN_PACKAGE_SECTION utils)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+    # The headers include it; the program does not need it.
+    set(CPACK_DEBIAN_PACKAGE_SUGGESTS nlohmann-json3-dev)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${KRCOMMON_BIN_DIR})
 endif()
 include(CPack)

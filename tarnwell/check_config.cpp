@@ -17,8 +17,6 @@
 #include "tarnwell/plugin_set.h"
 #include "tarnwell/settings.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <array>
 #include <set>
@@ -158,11 +156,18 @@ int checkOutput(const std::vector<std::string>& files) {
     return result;
 }
 
+constexpr CommandOption kOptions[] = {
+    {.text = {.name = "FILE",
+              .description = "Hardware descriptions and output configurations [default the shipped ones]",
+              .argType = "file"},
+     .apply = [](Settings& s, const std::string& v) { s.checkedFiles.push_back(v); },
+     .mayRepeat = true},
+};
+
 } // namespace
 
-void declareCheckConfig(CLI::App& options, Settings& settings) {
-    options.add_option("FILE", settings.checkedFiles,
-                       "hardware descriptions and output configurations (default: the shipped ones)");
+std::span<const CommandOption> checkConfigOptions() {
+    return kOptions;
 }
 
 int runCheckConfig(const Settings& settings) {

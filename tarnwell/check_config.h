@@ -1,14 +1,12 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "tarnwell/command_option.h"
+
+#include <span>
 
 namespace tarnwell {
 
-struct Settings;
-
-void declareCheckConfig(CLI::App& options, Settings& settings);
+std::span<const CommandOption> checkConfigOptions();
 
 /// Checks configuration files of both languages, which it tells apart by their statements, and says everything that is
 /// wrong with all of them: what breaks the grammar, what metrics and collectors cannot understand, and what hardly says

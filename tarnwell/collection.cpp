@@ -1,7 +1,6 @@
 #include "tarnwell/collection.h"
 
 #include "common/metadata/system_metadata.h"
-#include "common/platform/child_process.h"
 #include "common/platform/interrupt.h"
 #include "common/tw_clock.h"
 #include "tarnwell/clock_moments.h"
@@ -11,6 +10,7 @@
 #include "tarnwell/poll_schedule.h"
 #include "tarnwell/progress_line.h"
 #include "tarnwell/saving.h"
+#include "tarnwell/user_command.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,7 +36,7 @@ void Collection::begin() {
     m_lastRead = system.startTSC;
 }
 
-CollectionOutcome Collection::run(pwr::platform::ChildProcess* child, ProgressLine& progress) {
+CollectionOutcome Collection::run(UserCommand& command, ProgressLine& progress) {
     const double ticksPerSecond = m_parts.clock.ticksPerSecond();
     const auto interval = static_cast<std::uint64_t>(
         std::llround(m_settings.intervalMs / kMillisecondsPerSecond * ticksPerSecond));
@@ -53,14 +53,16 @@ CollectionOutcome Collection::run(pwr::platform::ChildProcess* child, ProgressLi
     PollSchedule schedule(begin, interval, stop);
     std::uint64_t deadline = schedule.nextDeadline(m_parts.clock.now());
     m_parts.saving.settle(deadline);
+    command.setBegin(begin, ticksPerSecond);
     const auto mustStop = [&] {
         m_outcome.wasInterrupted = pwr::platform::interruptCount() > 0;
-        return m_outcome.wasInterrupted || (child != nullptr && child->hasEnded());
+        return m_outcome.wasInterrupted || command.isOver();
     };
     while (!mustStop()) {
         const std::uint64_t now = m_parts.clock.now();
+        command.look(now);
         if (now < deadline) {
-            m_parts.clock.waitUntil(deadline, child);
+            m_parts.clock.waitUntil(std::min(deadline, command.dueTick()), command.process());
         } else if (schedule.isStop(deadline)) {
             break;
         } else {

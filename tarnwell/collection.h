@@ -8,9 +8,6 @@
 
 namespace pwr {
 class SystemMetadata;
-namespace platform {
-class ChildProcess;
-}
 } // namespace pwr
 
 namespace tarnwell {
@@ -21,6 +18,7 @@ class Computation;
 class MessageSet;
 class ProgressLine;
 class Saving;
+class UserCommand;
 
 /// How one collection went.
 struct CollectionOutcome {
@@ -54,7 +52,7 @@ public:
     /// Notes the begin in the system record, which the metric containers read with the first sample.
     void begin();
 
-    CollectionOutcome run(pwr::platform::ChildProcess* child, ProgressLine& progress);
+    CollectionOutcome run(UserCommand& command, ProgressLine& progress);
 
 private:
     std::uint64_t plannedStop_i() const;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "tarnwell/exit_code.h"
+#include "tarnwell/message_log.h"
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -10,13 +10,13 @@ namespace tarnwell {
 
 /// Tells the user on standard error what stands in the way, and hands the code on.
 inline int fail(ExitCode code, const std::string& text) {
-    std::fprintf(stderr, "tarnwell: %s\n", text.c_str());
+    say("tarnwell: " + text);
     return toInt(code);
 }
 
 inline void complain(const std::vector<std::string>& problems) {
     for (const std::string& problem : problems) {
-        std::fprintf(stderr, "tarnwell: %s\n", problem.c_str());
+        say("tarnwell: " + problem);
     }
 }
 

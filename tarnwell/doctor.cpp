@@ -5,7 +5,6 @@
 #include "common/platform/interrupt.h"
 #include "tarnwell/capture.h"
 #include "tarnwell/collection_clock.h"
-#include "tarnwell/command_options.h"
 #include "tarnwell/complaints.h"
 #include "tarnwell/exit_code.h"
 #include "tarnwell/feature_list.h"
@@ -14,8 +13,7 @@
 #include "tarnwell/machine_description.h"
 #include "tarnwell/plugin_set.h"
 #include "tarnwell/settings.h"
-
-#include <CLI/CLI.hpp>
+#include "tarnwell/shared_rows.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -86,18 +84,42 @@ int writeBundle(const Settings& settings, const pwr::MachineFiles& machine,
     return 0;
 }
 
+constexpr CommandOption kOptions[] = {
+    {.text = {.name = "--capture",
+              .description = "Also write a bundle of the machine, for tests and bug reports",
+              .arg = "<file>",
+              .argType = "file"},
+     .apply = [](Settings& s, const std::string& v) { s.captureFile = v; }},
+    {.text = {.name = "--time",
+              .description = "Record for so long for the bundle [default 1 s]",
+              .arg = "<seconds>",
+              .abbreviation = "-t",
+              .argDefault = "1",
+              .argUnits = "s",
+              .argType = "number"},
+     .apply = [](Settings& s, const std::string& v) { s.seconds = collectionSecondsOf(v); }},
+    {.text = {.name = "--interval",
+              .description = "Change time between the bundle's moments [default 100 ms]",
+              .arg = "<milliseconds>",
+              .abbreviation = "-i",
+              .argDefault = "100",
+              .argUnits = "ms",
+              .argType = "integer"},
+     .apply = [](Settings& s, const std::string& v) { s.intervalMs = intervalOf(v); }},
+    kHardwareConfigRow,
+    {.text = {.name = "--machine",
+              .description = "Look at this root folder or captured bundle [default /]",
+              .arg = "<place>",
+              .argDefault = "/",
+              .argType = "file"},
+     .apply = [](Settings& s, const std::string& v) { s.machine = v; }},
+    kEndpointsRow,
+};
+
 } // namespace
 
-void declareDoctor(CLI::App& options, Settings& settings) {
-    options
-        .add_option("--capture", settings.captureFile,
-                    "also write a bundle of the machine for tests and bug reports")
-        ->type_name("FILE");
-    declareTime(options, settings, "seconds to record for the bundle (default 1)");
-    declareInterval(options, settings, "milliseconds between the bundle's moments");
-    declareHardwareConfig(options, settings);
-    declareMachine(options, settings, "look at this root folder or captured bundle");
-    declareEndpoints(options, settings);
+std::span<const CommandOption> doctorOptions() {
+    return kOptions;
 }
 
 int runDoctor(const Settings& settings) {

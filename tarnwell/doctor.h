@@ -1,14 +1,12 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "tarnwell/command_option.h"
+
+#include <span>
 
 namespace tarnwell {
 
-struct Settings;
-
-void declareDoctor(CLI::App& options, Settings& settings);
+std::span<const CommandOption> doctorOptions();
 
 /// Lists the features: what this machine offers and, for what it does not, the reason and the fix. When asked to,
 /// writes the bundle of the machine.

@@ -2,13 +2,11 @@
 
 #include "common/metadata/system_metadata.h"
 #include "common/result_file.h"
-#include "tarnwell/command_options.h"
 #include "tarnwell/complaints.h"
 #include "tarnwell/host_environment.h"
 #include "tarnwell/sample_lines.h"
 #include "tarnwell/settings.h"
-
-#include <CLI/CLI.hpp>
+#include "tarnwell/shared_rows.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -85,17 +83,24 @@ void writeReadings(CollectionReader& reader, SavedMessages& messages, SampleLine
     }
 }
 
+constexpr CommandOption kOptions[] = {
+    kSavedFileRow,
+    {.text = {.name = "--csv", .description = "Lines of comma-separated values, with a header"},
+     .apply = [](Settings& s, const std::string&) { s.asCsv = true; }},
+    {.text = {.name = "--jsonl", .description = "One JSON object a line"},
+     .apply = [](Settings& s, const std::string&) { s.asJson = true; }},
+    {.text = {.name = "--output",
+              .description = "Write to this file instead of the standard output",
+              .arg = "<file>",
+              .abbreviation = "-o",
+              .argType = "file"},
+     .apply = [](Settings& s, const std::string& v) { s.outputFile = nameOf(v, "the file to write"); }},
+};
+
 } // namespace
 
-void declareExport(CLI::App& options, Settings& settings) {
-    declareSavedFile(options, settings);
-    auto* const form = options.add_option_group("form");
-    form->add_flag_callback(
-        "--csv", [&settings] { settings.asJson = false; }, "lines of comma-separated values, with a header");
-    form->add_flag("--jsonl", settings.asJson, "one JSON object a line");
-    form->require_option(1);
-    options.add_option("--output", settings.outputFile, "write to this file instead of the standard output")
-        ->type_name("FILE");
+std::span<const CommandOption> exportOptions() {
+    return kOptions;
 }
 
 int runExport(const Settings& settings) {

@@ -1,14 +1,12 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "tarnwell/command_option.h"
+
+#include <span>
 
 namespace tarnwell {
 
-struct Settings;
-
-void declareExport(CLI::App& options, Settings& settings);
+std::span<const CommandOption> exportOptions();
 
 /// Writes every value of a saved collection as it was read, one a line, as CSV (RFC 4180) or as one JSON object each.
 int runExport(const Settings& settings);

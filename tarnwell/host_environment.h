@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tarnwell/message_log.h"
 #include "tarnwell/standard_streams.h"
 
 #include <set>
@@ -39,7 +40,7 @@ public:
 
 private:
     StreamLogger m_output{stdout};
-    StreamLogger m_errors{stderr};
+    MessageLogger m_errors;
     pwr::Logger m_discard;
     WriterStream* m_stream = nullptr;
 };

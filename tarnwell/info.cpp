@@ -1,22 +1,15 @@
 #include "tarnwell/info.h"
 
 #include "common/saved/collection_reader.h"
-#include "tarnwell/command_options.h"
-#include "tarnwell/exit_code.h"
+#include "tarnwell/complaints.h"
 #include "tarnwell/info_document.h"
 #include "tarnwell/settings.h"
-
-#include <CLI/CLI.hpp>
+#include "tarnwell/shared_rows.h"
 
 #include <cstdio>
 
 namespace tarnwell {
 namespace {
-
-int fail(const std::string& text) {
-    std::fprintf(stderr, "tarnwell: %s\n", text.c_str());
-    return toInt(ExitCode::FAILED);
-}
 
 void readToEnd(pwr::saved::CollectionReader& reader) {
     CollectionData reading;
@@ -24,18 +17,23 @@ void readToEnd(pwr::saved::CollectionReader& reader) {
     while (reader.next(reading, added) != pwr::saved::CollectionReader::Event::END) {}
 }
 
+constexpr CommandOption kOptions[] = {
+    kSavedFileRow,
+    {.text = {.name = "--json", .description = "As JSON, for programs"},
+     .apply = [](Settings& s, const std::string&) { s.asJson = true; }},
+};
+
 } // namespace
 
-void declareInfo(CLI::App& options, Settings& settings) {
-    declareSavedFile(options, settings);
-    options.add_flag("--json", settings.asJson, "as JSON, for programs");
+std::span<const CommandOption> infoOptions() {
+    return kOptions;
 }
 
 int runInfo(const Settings& settings) {
     std::string error;
     const auto reader = pwr::saved::CollectionReader::open(settings.inputFile, error);
     if (reader == nullptr) {
-        return fail(error);
+        return fail(ExitCode::FAILED, error);
     }
     if (!reader->damage().isClosed) {
         readToEnd(*reader);
@@ -48,7 +46,7 @@ int runInfo(const Settings& settings) {
             : infoText(document);
     std::fwrite(text.data(), 1, text.size(), stdout);
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        return fail("the description could not be written completely");
+        return fail(ExitCode::FAILED, "the description could not be written completely");
     }
     return toInt(reader->damage().isWhole() ? ExitCode::DONE : ExitCode::DAMAGED);
 }

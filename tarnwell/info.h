@@ -1,14 +1,12 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "tarnwell/command_option.h"
+
+#include <span>
 
 namespace tarnwell {
 
-struct Settings;
-
-void declareInfo(CLI::App& options, Settings& settings);
+std::span<const CommandOption> infoOptions();
 
 /// Prints what a saved collection says of itself, as a text or as JSON. Reads the few blocks that hold it; only a file
 /// that was not closed is read as a whole, because nothing else knows how much is in it. Gives the program's exit code.

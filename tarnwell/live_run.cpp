@@ -3,9 +3,9 @@
 #include "common/machine_files.h"
 #include "common/metadata/system_metadata.h"
 #include "common/model/data_handle_provider.h"
-#include "common/platform/child_process.h"
 #include "common/platform/interrupt.h"
 #include "common/platform/processor.h"
+#include "common/plugin/plugin_environment.h"
 #include "tarnwell/build_facts.h"
 #include "tarnwell/clock_moments.h"
 #include "tarnwell/collection.h"
@@ -14,22 +14,26 @@
 #include "tarnwell/complaints.h"
 #include "tarnwell/computation.h"
 #include "tarnwell/feature_list.h"
+#include "tarnwell/feature_words.h"
 #include "tarnwell/hardware_description.h"
 #include "tarnwell/host_environment.h"
 #include "tarnwell/machine_description.h"
 #include "tarnwell/message_set.h"
+#include "tarnwell/number_words.h"
 #include "tarnwell/output_configuration.h"
 #include "tarnwell/plugin_set.h"
 #include "tarnwell/progress_line.h"
 #include "tarnwell/report.h"
+#include "tarnwell/result_forms.h"
 #include "tarnwell/saving.h"
 #include "tarnwell/settings.h"
 #include "tarnwell/terminal.h"
+#include "tarnwell/user_command.h"
+
+#include <cmath>
 
 namespace tarnwell {
 namespace {
-
-using pwr::platform::ChildProcess;
 
 /// The run as one object, because everything in it lives until the report is written and is torn down
 /// in the reverse order of its making.
@@ -63,8 +67,12 @@ public:
                                       m_settings.moreOutputConfig) != 0) {
             return fail(ExitCode::FAILED, "the output configuration is not usable (see above)");
         }
+        if (const int code = chooseResultForms(m_settings, m_plugins); code != 0) {
+            return code;
+        }
         // Found out before hours of collecting, not after them.
-        if (const std::string reason = outputPrefixProblem(m_settings.outputPrefix); !reason.empty()) {
+        const std::string prefix = m_settings.reports ? g_pluginEnvironment->getResultFilePrefix() : "";
+        if (const std::string reason = outputPrefixProblem(prefix); !reason.empty()) {
             return fail(ExitCode::FAILED, reason);
         }
         std::string reason;
@@ -80,6 +88,10 @@ private:
     int choose_i(const FeatureList& features) {
         for (const std::string& name : m_settings.features) {
             const std::vector<const Feature*> selected = features.select(name);
+            if (const std::string reason = unservedText(name); selected.empty() && !reason.empty()) {
+                m_missing.push_back(reason);
+                continue;
+            }
             if (selected.empty()) {
                 return fail(ExitCode::USAGE,
                             "unknown feature \"" + name + "\"; there are: " + features.names(true) +
@@ -126,22 +138,33 @@ private:
                               {m_clock, m_moments, m_messages, m_saving, m_computation, m_system});
         pwr::platform::installInterruptHandler();
         announce_i();
-        std::unique_ptr<ChildProcess> child;
-        if (!m_settings.command.empty()) {
-            std::string reason;
-            child = ChildProcess::start(m_settings.command, reason);
-            if (child == nullptr) {
-                return fail(ExitCode::COMMAND_NOT_FOUND,
-                            "cannot start " + m_settings.command.front() + ": " + reason);
-            }
+        if (!waitForStart_i()) {
+            return fail(ExitCode::FAILED, "interrupted before the collection began");
+        }
+        UserCommand command(m_settings.command, m_settings.commandDelaySeconds);
+        if (!command.startNow()) {
+            return toInt(ExitCode::COMMAND_NOT_FOUND);
         }
         ProgressLine progress(!m_settings.quiet && isErrorTerminal());
         collection.initialize();
         // As late as possible, so that the collection's time does not count its own preparations.
         collection.begin();
-        const CollectionOutcome outcome = collection.run(child.get(), progress);
+        const CollectionOutcome outcome = collection.run(command, progress);
         m_messages.close();
-        return end_i(outcome, child.get());
+        return end_i(outcome, command);
+    }
+
+    /// Lets the time pass that was asked for in front of the collection. False when the user did not want to wait.
+    bool waitForStart_i() {
+        const double ticks = m_settings.startDelaySeconds * m_clock.ticksPerSecond();
+        const std::uint64_t begin = m_clock.now() + static_cast<std::uint64_t>(std::llround(ticks));
+        if (ticks > 0 && !m_settings.quiet && isErrorTerminal()) {
+            say("The collection begins in " + seconds(m_settings.startDelaySeconds));
+        }
+        while (m_clock.now() < begin && pwr::platform::interruptCount() == 0) {
+            m_clock.waitUntil(begin, nullptr);
+        }
+        return pwr::platform::interruptCount() == 0;
     }
 
     /// The file gets the same declarations in the same order as the metric plug-ins.
@@ -162,7 +185,8 @@ private:
         m_computation.announce(declarations, messages, m_system);
     }
 
-    int end_i(const CollectionOutcome& outcome, ChildProcess* child) {
+    int end_i(const CollectionOutcome& outcome, UserCommand& command) {
+        pwr::platform::ChildProcess* const child = command.process();
         if (child != nullptr && outcome.wasInterrupted && !pwr::platform::isInterruptFromTerminal()) {
             child->interrupt();
         }
@@ -171,7 +195,10 @@ private:
         // The report does not wait for a command that runs on, be it longer than asked for or deaf to Ctrl-C.
         const int written = m_computation.report(m_system, notes);
         if (const std::string saved = m_saving.summary(); !saved.empty() && !m_settings.quiet) {
-            std::fprintf(stderr, "%s\n", saved.c_str());
+            say(saved);
+        }
+        if (command.hasFailed()) {
+            return toInt(ExitCode::COMMAND_NOT_FOUND);
         }
         if (const int commandCode = child == nullptr ? 0 : child->wait(); commandCode != 0) {
             return commandCode;
@@ -185,6 +212,9 @@ private:
         }
         if (m_saving.hasFailed()) {
             return fail(ExitCode::FAILED, "the collection was not saved completely (see above)");
+        }
+        if (m_computation.isSliceEmpty()) {
+            return fail(ExitCode::PARTIAL, "--result-slice-range: no reading is in it");
         }
         const bool isWhole = m_missing.empty() && m_plugins.problems().empty() &&
                              m_messages.problems().empty() && m_messages.failedReads() == 0 &&
@@ -205,7 +235,7 @@ private:
     MessageSet m_messages;
     PluginSet m_plugins;
     Saving m_saving;
-    Computation m_computation{m_environment, m_plugins.metrics()};
+    Computation m_computation{m_environment, m_plugins.metrics(), m_settings};
     std::set<std::string> m_chosen;
     std::vector<std::string> m_missing; ///< asked for, but not to be had
     std::vector<std::string> m_absent;  ///< not asked for by name, and not on this machine

@@ -1,4 +1,5 @@
 #include "common/platform/program.h"
+#include "tarnwell/complaints.h"
 #include "tarnwell/run.h"
 #include "tarnwell/settings.h"
 
@@ -18,9 +19,9 @@ int main(int argc, char** argv) {
     try {
         return tarnwell::run(*parsed.settings);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "tarnwell: %s\n", error.what());
+        tarnwell::complain({error.what()});
     } catch (const char* text) {
-        std::fprintf(stderr, "tarnwell: %s\n", text);
+        tarnwell::complain({text});
     }
     return 1;
 }

@@ -2,22 +2,29 @@
 
 #include "common/platform/file.h"
 #include "common/saved/collection_reader.h"
-#include "tarnwell/command_options.h"
 #include "tarnwell/complaints.h"
 #include "tarnwell/damage_text.h"
 #include "tarnwell/host_environment.h"
 #include "tarnwell/number_words.h"
 #include "tarnwell/settings.h"
-
-#include <CLI/CLI.hpp>
+#include "tarnwell/shared_rows.h"
 
 #include <cstdio>
 
 namespace tarnwell {
+namespace {
 
-void declareRepair(CLI::App& options, Settings& settings) {
-    declareSavedFile(options, settings);
-    options.add_option("OUT", settings.outputFile, "the file to write; it must not exist")->required();
+constexpr CommandOption kOptions[] = {
+    kSavedFileRow,
+    {.text = {.name = "OUT", .description = "The file to write; it must not exist", .argType = "file"},
+     .apply = [](Settings& s, const std::string& v) { s.outputFile = nameOf(v, "the file to write"); },
+     .isRequired = true},
+};
+
+} // namespace
+
+std::span<const CommandOption> repairOptions() {
+    return kOptions;
 }
 
 int runRepair(const Settings& settings) {

@@ -1,14 +1,12 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "tarnwell/command_option.h"
+
+#include <span>
 
 namespace tarnwell {
 
-struct Settings;
-
-void declareRepair(CLI::App& options, Settings& settings);
+std::span<const CommandOption> repairOptions();
 
 /// Copies what is intact of a saved collection into a new, closed file, and says what was left out.
 int runRepair(const Settings& settings);

@@ -4,16 +4,19 @@
 #include "common/metadata/metric_metadata.h"
 #include "common/metadata/system_metadata.h"
 #include "common/plugin/metric_plugin.h"
+#include "common/plugin/plugin_environment.h"
 #include "common/saved/collection_reader.h"
 #include "tarnwell/complaints.h"
 #include "tarnwell/computation.h"
 #include "tarnwell/damage_text.h"
 #include "tarnwell/feature_list.h"
+#include "tarnwell/feature_words.h"
 #include "tarnwell/host_environment.h"
 #include "tarnwell/output_configuration.h"
 #include "tarnwell/plugin_set.h"
 #include "tarnwell/progress_line.h"
 #include "tarnwell/report.h"
+#include "tarnwell/result_forms.h"
 #include "tarnwell/saved_clock.h"
 #include "tarnwell/saved_messages.h"
 #include "tarnwell/settings.h"
@@ -58,7 +61,11 @@ public:
         if (readOutputConfiguration_i() != 0) {
             return fail(ExitCode::FAILED, "the output configuration is not usable (see above)");
         }
-        if (const std::string reason = outputPrefixProblem(m_settings.outputPrefix); !reason.empty()) {
+        if (const int code = chooseResultForms(m_settings, m_plugins); code != 0) {
+            return code;
+        }
+        if (const std::string reason = outputPrefixProblem(g_pluginEnvironment->getResultFilePrefix());
+            !reason.empty()) {
             return fail(ExitCode::FAILED, reason);
         }
         m_environment.openStream(m_plugins.writers());
@@ -86,6 +93,10 @@ private:
                 continue;
             }
             const std::vector<const Feature*> selected = features.select(name);
+            if (const std::string reason = unservedText(name); selected.empty() && !reason.empty()) {
+                m_missing.push_back(reason);
+                continue;
+            }
             if (selected.empty()) {
                 return fail(ExitCode::USAGE,
                             "unknown feature \"" + name +
@@ -197,6 +208,9 @@ private:
                         m_settings.inputFile +
                             " is damaged or was not closed: the end of the report says what is missing");
         }
+        if (m_computation.isSliceEmpty()) {
+            return fail(ExitCode::PARTIAL, "--result-slice-range: no reading is in it");
+        }
         return toInt(m_missing.empty() && m_plugins.problems().empty() ? ExitCode::DONE : ExitCode::PARTIAL);
     }
 
@@ -208,7 +222,7 @@ private:
     // What the plug-ins refer to outlives them.
     SavedMessages m_messages;
     PluginSet m_plugins;
-    Computation m_computation{m_environment, m_plugins.metrics()};
+    Computation m_computation{m_environment, m_plugins.metrics(), m_settings};
     std::uint64_t m_promised;
     std::bitset<256> m_isUsed;          ///< by message number
     std::vector<std::string> m_missing; ///< asked for, but not to be had

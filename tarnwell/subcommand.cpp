@@ -1,9 +1,11 @@
 #include "tarnwell/subcommand.h"
 
 #include "tarnwell/check_config.h"
+#include "tarnwell/completions.h"
 #include "tarnwell/doctor.h"
 #include "tarnwell/export.h"
 #include "tarnwell/info.h"
+#include "tarnwell/manual.h"
 #include "tarnwell/repair.h"
 #include "tarnwell/verify.h"
 
@@ -13,20 +15,29 @@ namespace tarnwell {
 
 const std::vector<Subcommand>& subcommands() {
     static const std::vector<Subcommand> rows = {
-        {"doctor", "say what this machine offers and, for what it does not, why", &declareDoctor, &runDoctor},
-        {"info", "say what a saved collection holds, and where it is from", &declareInfo, &runInfo},
-        {"verify", "read a saved collection to its end and say what is damaged", &declareVerify, &runVerify},
-        {"repair", "copy what is intact of a saved collection into a new file", &declareRepair, &runRepair},
-        {"check-config", "say everything that is wrong with configuration files", &declareCheckConfig,
+        {"doctor", "Say what this machine offers and, for what it does not, why", &doctorOptions, &runDoctor},
+        {"info", "Say what a saved collection holds, and where it is from", &infoOptions, &runInfo},
+        {"verify", "Read a saved collection to its end and say what is damaged", &verifyOptions, &runVerify},
+        {"repair", "Copy what is intact of a saved collection into a new file", &repairOptions, &runRepair},
+        {"check-config", "Say everything that is wrong with configuration files", &checkConfigOptions,
          &runCheckConfig},
-        {"export", "write the raw samples of a saved collection as text", &declareExport, &runExport},
+        {"export", "Write the raw samples of a saved collection as text", &exportOptions, &runExport},
+        {"completions", "Write a script that lets a shell complete this command line", &completionsOptions,
+         &runCompletions},
+        {"manual", "Write the manual page (tarnwell manual | man -l -)", &manualOptions, &runManual},
     };
     return rows;
 }
 
+const Subcommand* findSubcommand(const std::string& name) {
+    const auto& rows = subcommands();
+    const auto row =
+        std::find_if(rows.begin(), rows.end(), [&](const Subcommand& r) { return r.name == name; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
 const Subcommand& subcommandOf(const std::string& name) {
-    return *std::find_if(subcommands().begin(), subcommands().end(),
-                         [&](const Subcommand& row) { return row.name == name; });
+    return *findSubcommand(name);
 }
 
 } // namespace tarnwell

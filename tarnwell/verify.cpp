@@ -1,7 +1,6 @@
 #include "tarnwell/verify.h"
 
 #include "common/metadata/system_metadata.h"
-#include "tarnwell/command_options.h"
 #include "tarnwell/complaints.h"
 #include "tarnwell/damage_text.h"
 #include "tarnwell/host_environment.h"
@@ -9,6 +8,7 @@
 #include "tarnwell/saved_clock.h"
 #include "tarnwell/saved_messages.h"
 #include "tarnwell/settings.h"
+#include "tarnwell/shared_rows.h"
 
 #include <cstdio>
 
@@ -39,10 +39,12 @@ std::vector<std::string> readAll(CollectionReader& reader, const pwr::SystemMeta
     }
 }
 
+constexpr CommandOption kOptions[] = {kSavedFileRow};
+
 } // namespace
 
-void declareVerify(CLI::App& options, Settings& settings) {
-    declareSavedFile(options, settings);
+std::span<const CommandOption> verifyOptions() {
+    return kOptions;
 }
 
 int runVerify(const Settings& settings) {

@@ -1,14 +1,12 @@
 #pragma once
 
-namespace CLI {
-class App;
-}
+#include "tarnwell/command_option.h"
+
+#include <span>
 
 namespace tarnwell {
 
-struct Settings;
-
-void declareVerify(CLI::App& options, Settings& settings);
+std::span<const CommandOption> verifyOptions();
 
 /// Reads a saved collection to its end and says whether it is whole, and if not what is wrong where.
 int runVerify(const Settings& settings);

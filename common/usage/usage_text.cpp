@@ -31,6 +31,16 @@ std::vector<Option> optionsOf(std::span<const OptionRow> rows, TabLevel level) {
     return options;
 }
 
+/// Options alone know how wide the console is.
+class WidthOption : public Option {
+public:
+    using Option::getWindowsConsoleWidth;
+};
+
+unsigned consoleWidth() {
+    return WidthOption::getWindowsConsoleWidth();
+}
+
 void write(std::ostream& out, const std::vector<Option>& options, unsigned width) {
     for (const Option& option : options) {
         if (!option.isHidden()) {
@@ -107,6 +117,10 @@ std::ostream& operator<<(std::ostream& out, const UsageText& usage) {
     }
     const std::string tab = "    ";
     out << "Feature Options, as --feature <feature>:<option>=<value>:\n";
+    if (!usage.getFeatureNote().empty()) {
+        const unsigned width = usage.getWidth() == 0 ? consoleWidth() : usage.getWidth();
+        out << tab << wrapBehind(usage.getFeatureNote(), tab.size(), width);
+    }
     for (const auto& [feature, options] : usage.getIndividualFeatureOptions()) {
         out << tab << feature << '\n';
         write(out, options, usage.getWidth());

@@ -39,6 +39,10 @@ public:
     void updateCxhDeviceInfo(const std::string& text);
     void updateTcssIpInfo(const std::string& text);
 
+    /// A sentence in front of the features' options: what a host has to say of them.
+    void setFeatureNote(const std::string& note) { m_featureNote = note; }
+    const std::string& getFeatureNote() const { return m_featureNote; }
+
     /// Columns to wrap the text to; 0, as at first, is the width of the console.
     void setWidth(unsigned width) { m_width = width; }
     unsigned getWidth() const { return m_width; }
@@ -53,6 +57,7 @@ private:
 
     std::array<std::vector<Option>, SECTIONS.size()> m_options;
     std::map<std::string, std::vector<Option>> m_featureOptions;
+    std::string m_featureNote;
     unsigned m_width = 0;
 };
 

@@ -26,6 +26,7 @@ public:
         auto capability = std::make_unique<PluginCapability>("csv", "one tidy file for each table");
         capability->addGroup("table-class:summary");
         capability->addGroup("table-class:static-info");
+        capability->addGroup("results:files"); // nothing on the standard output
         if (addCapability(capability.get()) == 0) {
             static_cast<void>(capability.release()); // the base owns it now
         }
