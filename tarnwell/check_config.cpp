@@ -3,6 +3,8 @@
 #include "common/config/config_lint.h"
 #include "common/config/config_text_reader.h"
 #include "common/config/input_msg.h"
+#include "common/config/offered_cap.h"
+#include "common/config/platform.h"
 #include "common/config/statement.h"
 #include "common/config/tw_configfile_parser.h"
 #include "common/config/writer_interface_configfile_parser.h"
@@ -19,7 +21,6 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
 
 namespace tarnwell {
 namespace {
@@ -67,41 +68,49 @@ SortedFiles sortFiles(const std::vector<std::string>& files) {
     return sorted;
 }
 
-/// Looks at the messages of every platform that the files are about, whichever machine this is.
+/// Looks at the messages that the files declare, whichever machine this is. What a platform inherits is looked at
+/// where it is declared.
 class MessageChecks {
 public:
-    explicit MessageChecks(const ConfigurationTexts& texts) : m_texts(texts) {}
+    explicit MessageChecks(const ConfigurationTexts& texts) : m_texts(texts), m_places(texts) {}
 
     int checkAll() {
-        for (const std::string& platform : platformsIn(m_texts)) {
-            if (TWConfigFileParser::instance()->isPlatformPrefixSupported(platform)) {
-                checkPlatform_i("PLATFORM=" + platform);
+        for (const std::string& name : platformsIn(m_texts)) {
+            const pwr::Platform* const platform = TWConfigFileParser::instance()->findPlatform(name);
+            if (platform != nullptr) {
+                for (const auto& capability : platform->getDeclaredCaps()) {
+                    checkCapability_i(*platform, *capability);
+                }
             }
         }
+        complain(m_warnings);
         complain(m_complaints);
         return m_complaints.empty() ? 0 : 1;
     }
 
 private:
-    void checkPlatform_i(const std::string& platform) {
-        std::vector<pwr::ConfigCap> capabilities;
-        TWConfigFileParser::instance()->getCapabilitiesFor(capabilities, platform);
-        for (const pwr::ConfigCap& capability : capabilities) {
-            for (const bool isMaxDetail : {false, true}) {
-                std::vector<pwr::InputMsg*> messages;
-                TWConfigFileParser::instance()->getMessagesFor(messages, platform,
-                                                               capability.getConfigfilePrefix(), isMaxDetail);
-                for (const pwr::InputMsg* message : messages) {
-                    checkMessage_i(*message, messages);
-                }
+    void checkCapability_i(const pwr::Platform& platform, const pwr::DeclaredCap& declared) {
+        pwr::OfferedCap offered;
+        if (platform.getMessagesFor(offered, declared.prefix) != 0) {
+            return;
+        }
+        std::erase_if(offered.messages,
+                      [](const pwr::InputMsg* message) { return message->isGroupMember(); });
+        for (const auto& message : declared.messages) {
+            if (!message->isGroupMember()) {
+                checkMessage_i(*message, offered.messages);
             }
         }
     }
 
     void checkMessage_i(const pwr::InputMsg& message, const std::vector<pwr::InputMsg*>& capability) {
         const auto record = message.createMsgMetadata();
+        const std::string lead = "message " + message.getName() + ": ";
+        for (const std::string& warning : pwr::listUnsavable(*record)) {
+            note_i(m_warnings, "warning: ", message, lead + warning);
+        }
         for (const std::string& complaint : complaintsOf(message, *record, capability)) {
-            note_i(message, "message " + message.getName() + ": " + complaint);
+            note_i(m_complaints, "", message, lead + complaint);
         }
         const auto work = std::find_if(message.begin(), message.end(), [](const pwr::Operation* operation) {
             return !operation->getCollectorType().empty();
@@ -115,20 +124,22 @@ private:
         const MessageAvailability seen =
             isRead(message) ? collector->probe(*record) : collector->probeWrite(*record);
         if (seen.state == MessageAvailability::State::INVALID) {
-            note_i(message, seen.reason);
+            note_i(m_complaints, "", message, seen.reason);
         }
     }
 
-    /// What several platforms inherit is said once, and what is not in the checked files not at all.
-    void note_i(const pwr::InputMsg& message, const std::string& complaint) {
-        const std::string place = placeOf(m_texts, message, complaint);
-        if (!place.empty() && m_known.insert(place + complaint).second) {
-            m_complaints.push_back(place + ": " + complaint);
+    /// What is not in the checked files is not theirs to mend.
+    void note_i(std::vector<std::string>& notes, const std::string& kind, const pwr::InputMsg& message,
+                const std::string& text) const {
+        const std::string place = m_places.find(message, text);
+        if (!place.empty()) {
+            notes.push_back(kind + place + ": " + text);
         }
     }
 
     const ConfigurationTexts& m_texts;
-    std::set<std::string> m_known;
+    StatementPlaces m_places;
+    std::vector<std::string> m_warnings;
     std::vector<std::string> m_complaints;
 };
 
@@ -142,7 +153,7 @@ int checkHardware(const std::vector<std::string>& checked, const std::vector<std
     ConfigurationTexts texts;
     for (const std::string& file : checked) {
         texts.push_back(namedText(file));
-        lint.checkText(file, texts.back().second);
+        lint.checkText(texts.back().first, texts.back().second);
     }
     for (const pwr::ConfigFinding& finding : lint.getFindings()) {
         complain({"warning: " + finding.file + ":" + std::to_string(finding.line) + ": " + finding.text});

@@ -1,5 +1,6 @@
 #include "tarnwell/hardware_description.h"
 
+#include "common/config/config_lint.h"
 #include "common/config/input_msg.h"
 #include "common/config/statement.h"
 #include "common/config/tw_configfile_parser.h"
@@ -118,8 +119,8 @@ int HardwareDescription::offer_i(const pwr::ConfigCap& capability, const PluginS
     for (const pwr::InputMsg* message : messages) {
         OfferedMessage offered{message, message->createMsgMetadata(), nullptr, {}};
         for (const std::string& complaint : complaintsOf(*message, *offered.record, messages)) {
-            complain({placeOf(m_texts, *message, complaint) + ": message " + message->getName() + ": " +
-                      complaint});
+            complain({StatementPlaces(m_texts).find(*message, complaint) + ": message " + message->getName() +
+                      ": " + complaint});
             result = 1;
         }
         result |= probe_i(offered, plugins);
@@ -134,6 +135,7 @@ int HardwareDescription::offer_i(const pwr::ConfigCap& capability, const PluginS
 int HardwareDescription::probe_i(OfferedMessage& offered, const PluginSet& plugins) {
     const pwr::InputMsg& message = *offered.message;
     const std::string type = typeOf(message);
+    const std::vector<std::string> unsavable = pwr::listUnsavable(*offered.record);
     MessageAvailability& availability = offered.availability;
     offered.collector = pwr::TWConfigFileParser::instance()->getCollector(type);
     if (type.empty()) {
@@ -145,6 +147,9 @@ int HardwareDescription::probe_i(OfferedMessage& offered, const PluginSet& plugi
                         "message " + message.getName() + ": nothing carries it out at its triggers (" +
                             joined(message.getTriggers()) + ")",
                         "use INIT, BEGIN, POLL, END, FINI or TRACEPOINT=NAME"};
+    } else if (!unsavable.empty()) {
+        availability = {State::ABSENT, "message " + message.getName() + ": " + unsavable.front(),
+                        "make several messages of it"};
     } else {
         availability = isRead(message) ? offered.collector->probe(*offered.record)
                                        : offered.collector->probeWrite(*offered.record);
@@ -152,7 +157,7 @@ int HardwareDescription::probe_i(OfferedMessage& offered, const PluginSet& plugi
     if (availability.state != State::INVALID) {
         return 0;
     }
-    complain({placeOf(m_texts, message, availability.reason) + ": " + availability.reason});
+    complain({StatementPlaces(m_texts).find(message, availability.reason) + ": " + availability.reason});
     return 1;
 }
 

@@ -3,6 +3,8 @@
 #include "common/config/input_msg.h"
 #include "common/config/statement.h"
 
+#include <algorithm>
+#include <cctype>
 #include <functional>
 #include <string_view>
 
@@ -22,30 +24,23 @@ void forEachStatement(const std::string& text, const std::function<void(const St
     }
 }
 
-/// Whether a statement made the message, or what a group or a source handed it.
-bool isStatementOf(const Statement& statement, const pwr::InputMsg& message) {
-    if (statement.fields[0] != message.getPlatformPrefix() ||
-        statement.fields[1] != message.getConfigfilePrefix()) {
-        return false;
-    }
-    if (statement.fields[2] == message.getName()) {
-        return true;
-    }
-    for (const pwr::Operation* operation : message) {
-        if (statement.fields[2] == operation->getOrgMsgTag()) {
-            return true;
-        }
-    }
-    return false;
+bool isWordCharacter(char character) {
+    return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '-';
 }
 
-/// How much of a statement stands in a complaint; 0 when it only belongs to the message.
-int likeness(const Statement& statement, const std::string& complaint) {
-    const std::string_view key = statement.fields[4].substr(0, statement.fields[4].find('.'));
-    const std::string_view value = statement.fields[Statement::VALUE];
-    if (complaint.find(key) == std::string::npos) {
-        return 0;
+/// Takes the next word of a text, as keys of statements are written.
+bool takeWord(std::string_view& text, std::string_view& word) {
+    while (!text.empty() && !isWordCharacter(text.front())) {
+        text.remove_prefix(1);
     }
+    const auto* const end = std::find_if_not(text.begin(), text.end(), isWordCharacter);
+    word = text.substr(0, static_cast<std::size_t>(end - text.begin()));
+    text.remove_prefix(word.size());
+    return !word.empty();
+}
+
+/// How much of a statement whose key a complaint has stands in it.
+int likenessOf(std::string_view key, std::string_view value, const std::string& complaint) {
     const std::string quoted = "\"" + std::string(value) + "\"";
     if (complaint.find(std::string(key) + " " + quoted) != std::string::npos) {
         return 3; // other keys may be named as well, with a value like theirs
@@ -55,20 +50,58 @@ int likeness(const Statement& statement, const std::string& complaint) {
 
 } // namespace
 
-std::string placeOf(const ConfigurationTexts& texts, const pwr::InputMsg& message,
-                    const std::string& complaint) {
-    std::string place;
-    int best = -1;
+StatementPlaces::StatementPlaces(const ConfigurationTexts& texts) {
+    std::size_t order = 0;
     for (const auto& [name, text] : texts) {
-        forEachStatement(text, [&, n = name](const Statement& statement) {
-            const int like = isStatementOf(statement, message) ? likeness(statement, complaint) : -1;
-            if (like > best) {
-                best = like;
-                place = n + ":" + std::to_string(statement.lineNumber);
-            }
+        forEachStatement(text, [&, file = &name](const Statement& statement) {
+            const auto& fields = statement.fields;
+            const std::string_view message(fields[0].data(),
+                                           fields[0].size() + fields[1].size() + fields[2].size() + 2);
+            const std::string_view key = fields[4].substr(0, fields[4].find('.'));
+            const Place place{file, statement.lineNumber, order++, fields[Statement::VALUE]};
+            m_messages.try_emplace(message, MessagePlaces{place, {}})
+                .first->second.byKey[key]
+                .push_back(place);
         });
     }
-    return place;
+}
+
+std::string StatementPlaces::find(const pwr::InputMsg& message, const std::string& complaint) const {
+    // Whoever made it: the message's own statements, or those of what a group or a source handed it.
+    std::set<std::string_view> tags = {message.getName()};
+    for (const pwr::Operation* operation : message) {
+        tags.insert(operation->getOrgMsgTag());
+    }
+    Found best;
+    for (const std::string_view tag : tags) {
+        const auto places = m_messages.find(message.getPlatformPrefix() + "_" +
+                                            message.getConfigfilePrefix() + "_" + std::string(tag));
+        if (places != m_messages.end()) {
+            look_i(places->second, complaint, best);
+        }
+    }
+    return best.place.file == nullptr ? "" : *best.place.file + ":" + std::to_string(best.place.lineNumber);
+}
+
+void StatementPlaces::look_i(const MessagePlaces& message, const std::string& complaint, Found& best) {
+    best.offer(message.first, 0);
+    std::string_view rest = complaint;
+    for (std::string_view word; takeWord(rest, word);) {
+        const auto places = message.byKey.find(word);
+        if (places == message.byKey.end()) {
+            continue;
+        }
+        for (const Place& place : places->second) {
+            best.offer(place, likenessOf(word, place.value, complaint));
+        }
+    }
+}
+
+void StatementPlaces::Found::offer(const Place& candidate, int candidateLikeness) {
+    if (candidateLikeness > likeness || (candidateLikeness == likeness && candidate.order < place.order)) {
+        place = candidate;
+        likeness = candidateLikeness;
+    }
 }
 
 ConfigurationTexts usedStatements(const ConfigurationTexts& texts, const std::set<std::string>& platforms,

@@ -4,27 +4,33 @@
 #include <cstddef>
 #include <utility>
 
-#include "common/config/config_text_reader.h"
-#include "common/plugin/logger.h"
+#include "common/metadata/msg_metadata.h"
 
 namespace pwr {
 
 namespace {
 
-// A saved text has a 16-bit length, a saved operation an 8-bit number of values.
+// A saved text has a 16-bit length, a saved message a 16-bit number of operations, an operation an 8-bit number of keys.
 constexpr std::size_t MAX_TEXT = 65535;
+constexpr std::size_t MAX_OPERATIONS = 65535;
 constexpr std::size_t MAX_KEYS = 255;
 
 } // namespace
 
-int ConfigLint::checkFile(const std::string& path) {
-    std::string text;
-    if (!readConfigFileText(path, text)) {
-        logError("Error opening config file %s\n", path.c_str());
-        return -1;
+std::vector<std::string> listUnsavable(const MsgMetadata& record) {
+    std::vector<std::string> found;
+    if (record.getMetaValues().size() > MAX_OPERATIONS) {
+        found.push_back("more than " + std::to_string(MAX_OPERATIONS) +
+                        " operations, which a saved collection cannot hold");
     }
-    checkText(path, text);
-    return 0;
+    for (const OperationMetadata* operation : record.getMetaValues()) {
+        if (operation->getValues().size() > MAX_KEYS) {
+            found.push_back("more than " + std::to_string(MAX_KEYS) + " keys of one " +
+                            operation->getOperation() + " operation, which a saved collection cannot hold: " +
+                            operation->getValues()[MAX_KEYS].first);
+        }
+    }
+    return found;
 }
 
 void ConfigLint::checkText(const std::string& name, std::string_view text) {
@@ -90,11 +96,6 @@ void ConfigLint::checkOperation_i(const Statement& statement, MessageState& mess
     if (statement.fields[Statement::VALUE].empty()) {
         add_i(statement.lineNumber,
               "key " + std::string(key) + " has an empty value, which a saved collection cannot hold");
-    }
-    if (++message.keyCounts[std::string(word)] == MAX_KEYS + 1) {
-        add_i(statement.lineNumber, "message " + std::string(tag) + " has more than " +
-                                        std::to_string(MAX_KEYS) + " keys of " + std::string(word) +
-                                        ", which a saved collection cannot hold");
     }
 }
 

@@ -11,6 +11,8 @@
 
 namespace pwr {
 
+class MsgMetadata;
+
 /// Something in a hardware description that parses but hardly says what was meant.
 struct ConfigFinding {
     std::string file;
@@ -18,14 +20,16 @@ struct ConfigFinding {
     std::string text; ///< for the user, without line end
 };
 
+/// What a saved collection could not hold of a message: more keys than fit an operation, more operations than fit a
+/// message. One sentence each; the first key that is too many stands in it.
+KRCOMMON_API std::vector<std::string> listUnsavable(const MsgMetadata& record);
+
 /// Looks through hardware descriptions for what the parser has to let pass: lines that are no statements for want of
-/// "=", constants above what a collector carries out, and what a saved collection could not hold. It looks at the
-/// statements alone, so it needs no parser; the parser's own warnings are not repeated. Files are checked in the order
-/// in which they would be parsed, because a message may be spread over several.
+/// "=", constants above what a collector carries out, and texts that a saved collection could not hold. It looks at
+/// the statements alone, so it needs no parser; the parser's own warnings are not repeated. Texts are checked in the
+/// order in which they would be parsed, because a message may be spread over several.
 class KRCOMMON_API ConfigLint {
 public:
-    /// 0, or -1 after an error when the file cannot be read.
-    int checkFile(const std::string& path);
     void checkText(const std::string& name, std::string_view text);
 
     /// In the order of checking, those of one file by line.
@@ -35,8 +39,7 @@ private:
     struct MessageState {
         bool hasWork = false; ///< of a collector
         std::string constantsFile;
-        std::size_t constantsLine = 0;                          ///< the first one's, 0 when there are none
-        std::unordered_map<std::string, std::size_t> keyCounts; ///< by the operation's word
+        std::size_t constantsLine = 0; ///< the first one's, 0 when there are none
     };
 
     void checkStatement_i(const Statement& statement);

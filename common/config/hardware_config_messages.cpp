@@ -18,7 +18,7 @@ constexpr std::string_view TRACEPOINT = "TRACEPOINT";
 constexpr std::string_view NOTIFIER = "NOTIFIER";
 
 // Groups of groups and sources of groups multiply: few lines could ask for more than any memory holds.
-constexpr std::size_t MAX_COPIED = 1000000;
+constexpr std::size_t MAX_COPIED = 250000;
 
 bool isTriggerWord(std::string_view word) {
     return std::find(TRIGGER_WORDS.begin(), TRIGGER_WORDS.end(), word) != TRIGGER_WORDS.end();
