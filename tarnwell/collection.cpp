@@ -14,75 +14,117 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <utility>
 
 namespace tarnwell {
 namespace {
 
 constexpr double kMillisecondsPerSecond = 1000.0;
+// Clocks drift apart by some 10 ppm, so that in between a straight line is good to less than a millisecond.
+constexpr double kSecondsBetweenMoments = 60.0;
+constexpr std::uint64_t kAtOnce = 0;
 
 } // namespace
 
 Collection::Collection(const Settings& settings, const CollectionParts& parts)
-    : m_settings(settings), m_parts(parts) {}
+    : m_settings(settings), m_parts(parts), m_drains(parts.messages.reader().hasRecording()),
+      m_poll(parts.messages.reader(), parts.clock), m_trace(parts.messages.reader(), parts.clock) {}
+
+int Collection::start(std::string& reason) {
+    return m_poll.start(m_settings.pollProcessor, reason) == 0 &&
+                   (!m_drains || m_trace.start(std::nullopt, reason) == 0)
+               ? 0
+               : 1;
+}
 
 void Collection::initialize() {
-    m_initial = m_parts.messages.read("INIT");
+    m_poll.read("INIT", kAtOnce, m_initial.read);
+    m_poll.finish();
 }
 
 void Collection::begin() {
     pwr::SystemMetadata& system = m_parts.system;
-    system.startTimeval = m_parts.clock.isRecorded() ? 0 : wallClockMicroseconds();
+    system.startTimeval = wallClock_i();
     system.startTSC = m_parts.clock.now();
     m_lastRead = system.startTSC;
 }
 
 CollectionOutcome Collection::run(UserCommand& command, ProgressLine& progress) {
+    m_command = &command;
+    m_progress = &progress;
     const double ticksPerSecond = m_parts.clock.ticksPerSecond();
-    const auto interval = static_cast<std::uint64_t>(
-        std::llround(m_settings.intervalMs / kMillisecondsPerSecond * ticksPerSecond));
     const std::uint64_t begin = m_parts.system.startTSC;
     const std::uint64_t stop = plannedStop_i();
-    const double total = stop == UINT64_MAX ? 0 : static_cast<double>(stop - begin) / ticksPerSecond;
+    m_plannedSeconds = stop == UINT64_MAX ? 0 : static_cast<double>(stop - begin) / ticksPerSecond;
 
-    const auto& first = read_i("BEGIN");
+    readNow_i("BEGIN", m_rounds[0]);
     const std::vector<pwr::TWClockSync> moment = m_parts.moments.take();
     m_parts.system.clockSyncs.assign(moment.begin(), moment.end());
     m_parts.saving.begin(m_parts.system, moment);
+    m_nextMoment = begin + static_cast<std::uint64_t>(kSecondsBetweenMoments * ticksPerSecond);
     use_i(m_initial);
-    use_i(first);
-    PollSchedule schedule(begin, interval, stop);
-    std::uint64_t deadline = schedule.nextDeadline(m_parts.clock.now());
-    m_parts.saving.settle(deadline);
     command.setBegin(begin, ticksPerSecond);
-    const auto mustStop = [&] {
-        m_outcome.wasInterrupted = pwr::platform::interruptCount() > 0;
-        return m_outcome.wasInterrupted || command.isOver();
-    };
-    while (!mustStop()) {
-        const std::uint64_t now = m_parts.clock.now();
-        command.look(now);
-        if (now < deadline) {
-            m_parts.clock.waitUntil(std::min(deadline, command.dueTick()), command.process());
-        } else if (schedule.isStop(deadline)) {
-            break;
-        } else {
-            use_i(read_i("POLL"));
-            ++m_outcome.polls;
-            deadline = schedule.nextDeadline(m_parts.clock.now());
-            m_parts.saving.settle(deadline);
-        }
-        progress.show(static_cast<double>(m_parts.clock.now() - begin) / ticksPerSecond, total,
-                      m_outcome.polls, schedule.missed());
-    }
+    poll_i(stop);
     progress.clear();
-    use_i(read_i("END"));
+    readNow_i("END", m_rounds[0]);
+    use_i(m_rounds[0]);
     end_i();
     finalize_i();
-    m_outcome.missedTicks = schedule.missed();
     m_outcome.seconds = static_cast<double>(m_parts.system.stopTSC - begin) / ticksPerSecond;
     m_outcome.meanIntervalMs =
         millisecondsOf_i(m_lastRead - begin) / static_cast<double>(m_outcome.polls + 1);
     return m_outcome;
+}
+
+/// From the first round on, which was read but not used yet, to the stop.
+void Collection::poll_i(std::uint64_t stop) {
+    const auto interval = static_cast<std::uint64_t>(
+        std::llround(m_settings.intervalMs / kMillisecondsPerSecond * m_parts.clock.ticksPerSecond()));
+    PollSchedule schedule(m_parts.system.startTSC, interval, stop);
+    Round* done = m_rounds.data();
+    Round* next = &m_rounds[1];
+    bool goesOn = true;
+    while (goesOn) {
+        const std::uint64_t deadline = schedule.nextDeadline(m_parts.clock.now());
+        const bool isPoll = !schedule.isStop(deadline);
+        m_outcome.missedTicks = schedule.missed();
+        // Told time moves by waiting for it, so that comes first; real time passes while the host works.
+        if (m_parts.clock.isRecorded()) {
+            goesOn = await_i(deadline);
+        }
+        if (isPoll && goesOn) {
+            order_i("POLL", deadline, *next);
+        }
+        use_i(*done);
+        m_parts.saving.settle(deadline);
+        noteMoment_i();
+        goesOn = goesOn && await_i(deadline) && isPoll;
+        if (!goesOn) {
+            cancel_i();
+        }
+        m_outcome.polls += collect_i(*next) ? 1 : 0;
+        std::swap(done, next);
+    }
+    use_i(*done);
+}
+
+/// False when the collection is to end before the tick.
+bool Collection::await_i(std::uint64_t tick) {
+    for (;;) {
+        m_outcome.wasInterrupted = pwr::platform::interruptCount() > 0;
+        if (m_outcome.wasInterrupted || m_command->isOver()) {
+            return false;
+        }
+        const std::uint64_t now = m_parts.clock.now();
+        m_command->look(now);
+        m_progress->show(static_cast<double>(now - m_parts.system.startTSC) / m_parts.clock.ticksPerSecond(),
+                         m_plannedSeconds, m_outcome.polls, m_outcome.missedTicks);
+        if (now >= tick) {
+            return true;
+        }
+        m_parts.clock.waitUntil(std::min(tick, m_command->dueTick()), m_command->process());
+    }
 }
 
 std::uint64_t Collection::plannedStop_i() const {
@@ -94,36 +136,98 @@ std::uint64_t Collection::plannedStop_i() const {
     return m_parts.system.startTSC + static_cast<std::uint64_t>(std::llround(ticks));
 }
 
-const std::vector<const CollectionData*>& Collection::read_i(const char* trigger) {
-    const std::uint64_t at = m_parts.clock.now();
-    if (at > m_lastRead) {
-        m_outcome.longestIntervalMs =
-            std::max(m_outcome.longestIntervalMs, millisecondsOf_i(at - m_lastRead));
+void Collection::order_i(const char* trigger, std::uint64_t at, Round& round) {
+    if (m_drains) {
+        // At the tick as well, however long the host is busy: the sources' memory is limited.
+        m_trace.drain(at, std::max(at, m_parts.clock.now()), round.drained);
     }
-    m_lastRead = at;
-    m_parts.messages.read(trigger);
-    // Up to the end of the reads, so that nothing of a later round is older than what this one read.
-    return m_parts.messages.drain(m_parts.system.startTSC, m_parts.clock.now());
+    m_poll.read(trigger, at, round.read);
 }
 
-void Collection::use_i(const std::vector<const CollectionData*>& round) {
-    m_parts.saving.save(round);
-    for (const CollectionData* reading : round) {
+/// Waits for what was ordered. False when nothing was read, because of a cancel or without an order.
+bool Collection::collect_i(Round& round) {
+    const bool isRead = m_poll.finish();
+    if (m_drains) {
+        m_trace.finish();
+        if (isRead) {
+            // What was recorded while reading belongs in between, and must not come behind a later round.
+            m_trace.drain(kAtOnce, m_parts.clock.now(), round.drained);
+            m_trace.finish();
+        }
+    }
+    if (isRead && round.read.begin > m_lastRead) {
+        m_outcome.longestIntervalMs =
+            std::max(m_outcome.longestIntervalMs, millisecondsOf_i(round.read.begin - m_lastRead));
+        m_lastRead = round.read.begin;
+    }
+    return isRead;
+}
+
+void Collection::readNow_i(const char* trigger, Round& round) {
+    order_i(trigger, kAtOnce, round);
+    collect_i(round);
+}
+
+void Collection::cancel_i() {
+    m_poll.cancel();
+    m_trace.cancel();
+}
+
+/// Saves the round, then computes with it, and empties it.
+void Collection::use_i(Round& round) {
+    m_order.clear();
+    for (const CollectionData& reading : round.read.records()) {
+        m_order.push_back(&reading);
+    }
+    for (const CollectionData& reading : round.drained.records()) {
+        if (reading.header().timestamp >= m_parts.system.startTSC) {
+            m_order.push_back(&reading);
+        }
+    }
+    if (round.drained.size() > 0) {
+        std::stable_sort(m_order.begin(), m_order.end(), [](const auto* left, const auto* right) {
+            return left->header().timestamp < right->header().timestamp;
+        });
+    }
+    m_parts.saving.save(m_order);
+    for (const CollectionData* reading : m_order) {
+        m_parts.messages.count(*reading);
         m_parts.computation.process(*reading);
     }
+    m_parts.messages.countFailures(round.read.failed);
+    m_parts.messages.countFailures(round.drained.failed);
+    round.read.clear();
+    round.drained.clear();
+}
+
+void Collection::noteMoment_i() {
+    const std::uint64_t now = m_parts.clock.now();
+    if (now < m_nextMoment) {
+        return;
+    }
+    const double ticks = kSecondsBetweenMoments * m_parts.clock.ticksPerSecond();
+    m_nextMoment = now + static_cast<std::uint64_t>(ticks);
+    m_parts.saving.note(now, wallClock_i(), m_parts.moments.take());
 }
 
 void Collection::end_i() {
     pwr::SystemMetadata& system = m_parts.system;
     system.stopTSC = std::max(m_parts.clock.now(), m_lastRead);
-    system.stopTimeval = m_parts.clock.isRecorded() ? 0 : wallClockMicroseconds();
+    system.stopTimeval = wallClock_i();
     system.producedSamples = m_parts.messages.producedValues();
 }
 
 /// What is read after the end belongs to the collection all the same.
 void Collection::finalize_i() {
-    use_i(m_parts.messages.read("FINI"));
+    m_poll.read("FINI", kAtOnce, m_rounds[0].read);
+    m_poll.finish();
+    use_i(m_rounds[0]);
     m_parts.system.producedSamples = m_parts.messages.producedValues();
+}
+
+/// 0 for a recorded machine, whose reports must not differ.
+std::uint64_t Collection::wallClock_i() const {
+    return m_parts.clock.isRecorded() ? 0 : wallClockMicroseconds();
 }
 
 double Collection::millisecondsOf_i(std::uint64_t ticks) const {

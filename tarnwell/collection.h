@@ -1,9 +1,12 @@
 #pragma once
 
-#include "common/plugin/collection_data.h"
+#include "tarnwell/message_reader.h"
+#include "tarnwell/read_worker.h"
 #include "tarnwell/settings.h"
 
+#include <array>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace pwr {
@@ -41,11 +44,17 @@ struct CollectionParts {
 };
 
 /// Reads at the begin, at every tick of the interval and at the end. Each round of readings is saved first and then
-/// handed to the metric plug-ins, so that a fault of theirs costs no data. Ends when the time is over, at Ctrl-C, when the command ends, or at the end of a recorded
-/// machine, whichever comes first.
+/// handed to the metric plug-ins, so that a fault of theirs costs no data. Ends when the time is over, at Ctrl-C, when
+/// the command ends, or at the end of a recorded machine, whichever comes first.
+///
+/// Two threads of its own read: one the counters, at the ticks, and one drains what sources recorded by themselves. Each
+/// has one of two rounds to fill while the host uses the other, so that neither the file nor the metrics delay a read.
 class Collection {
 public:
     Collection(const Settings& settings, const CollectionParts& parts);
+
+    /// Makes ready to read. 1 when that is not possible, with the reason.
+    int start(std::string& reason);
 
     /// Carries out what is to be done before a collection begins; what it reads counts with the first round.
     void initialize();
@@ -55,18 +64,39 @@ public:
     CollectionOutcome run(UserCommand& command, ProgressLine& progress);
 
 private:
+    struct Round {
+        ReadingBatch read;
+        ReadingBatch drained;
+    };
+
     std::uint64_t plannedStop_i() const;
-    const std::vector<const CollectionData*>& read_i(const char* trigger);
-    void use_i(const std::vector<const CollectionData*>& round);
-    void finalize_i();
+    void poll_i(std::uint64_t stop);
+    bool await_i(std::uint64_t tick);
+    void order_i(const char* trigger, std::uint64_t at, Round& round);
+    bool collect_i(Round& round);
+    void readNow_i(const char* trigger, Round& round);
+    void use_i(Round& round);
+    void noteMoment_i();
     void end_i();
+    void finalize_i();
+    void cancel_i();
+    std::uint64_t wallClock_i() const;
     double millisecondsOf_i(std::uint64_t ticks) const;
 
     const Settings& m_settings;
     CollectionParts m_parts;
+    UserCommand* m_command = nullptr;
+    ProgressLine* m_progress = nullptr;
     CollectionOutcome m_outcome;
+    double m_plannedSeconds = 0; ///< 0: open end
     std::uint64_t m_lastRead = 0;
-    std::vector<const CollectionData*> m_initial; ///< read before the begin
+    std::uint64_t m_nextMoment = 0;
+    Round m_initial; ///< read before the begin
+    std::array<Round, 2> m_rounds;
+    std::vector<const CollectionData*> m_order; ///< of a round, by time
+    bool m_drains;
+    ReadWorker m_poll;
+    ReadWorker m_trace;
 };
 
 } // namespace tarnwell

@@ -4,6 +4,7 @@
 #include "common/platform/interrupt.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tarnwell {
 namespace {
@@ -11,7 +12,9 @@ namespace {
 constexpr double kHertzPerMegahertz = 1e6;
 constexpr double kNanosecondsPerSecond = 1e9;
 // Long waits are cut so that a progress line can move and a changed clock is noticed.
-constexpr double kLongestSleepNanoseconds = 250e6;
+constexpr std::uint64_t kLongestSleepNanoseconds = 250000000;
+// What is farther away than years is waited for in pieces.
+constexpr double kLongestNanoseconds = 1e17;
 
 } // namespace
 
@@ -38,13 +41,19 @@ void CollectionClock::waitUntil(std::uint64_t deadline, pwr::platform::ChildProc
         m_told->tell(deadline);
         return;
     }
-    const std::uint64_t current = now();
-    if (current < deadline) {
-        const double nanoseconds =
-            static_cast<double>(deadline - current) / ticksPerSecond() * kNanosecondsPerSecond;
-        const double sleep = std::min(nanoseconds, kLongestSleepNanoseconds);
-        pwr::platform::waitForEvent(static_cast<std::uint64_t>(sleep), child);
+    if (const std::uint64_t left = nanosecondsUntil(deadline); left > 0) {
+        pwr::platform::waitForEvent(std::min(left, kLongestSleepNanoseconds), child);
     }
+}
+
+std::uint64_t CollectionClock::nanosecondsUntil(std::uint64_t tick) const {
+    const std::uint64_t current = now();
+    if (m_told != nullptr || current >= tick) {
+        return 0;
+    }
+    const double nanoseconds = static_cast<double>(tick - current) / ticksPerSecond() * kNanosecondsPerSecond;
+    return nanoseconds < kLongestNanoseconds ? static_cast<std::uint64_t>(std::ceil(nanoseconds))
+                                             : static_cast<std::uint64_t>(kLongestNanoseconds);
 }
 
 } // namespace tarnwell

@@ -32,6 +32,9 @@ public:
     /// Where a collection without a given end stops: never for a live machine, else the last recorded moment.
     std::uint64_t naturalStop() const { return m_naturalStop; }
 
+    /// 0 when the tick has come, and always for told time, which stands still while anybody else works.
+    std::uint64_t nanosecondsUntil(std::uint64_t tick) const;
+
     /// Waits until @p deadline; returns early on an interrupt or when @p child ends. Told time just moves.
     void waitUntil(std::uint64_t deadline, pwr::platform::ChildProcess* child);
 

@@ -136,6 +136,9 @@ private:
         m_missing.insert(m_missing.end(), unknown.begin(), unknown.end());
         Collection collection(m_settings,
                               {m_clock, m_moments, m_messages, m_saving, m_computation, m_system});
+        if (std::string problem; collection.start(problem) != 0) {
+            return fail(ExitCode::FAILED, problem);
+        }
         pwr::platform::installInterruptHandler();
         announce_i();
         if (!waitForStart_i()) {

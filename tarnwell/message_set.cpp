@@ -6,7 +6,6 @@
 #include "common/metrics/metric_declaration.h"
 #include "common/platform/processor_visit.h"
 #include "common/plugin/collector_plugin.h"
-#include "common/plugin/reading_precision.h"
 #include "tarnwell/hardware_description.h"
 #include "tarnwell/message_check.h"
 #include "tarnwell/number_words.h"
@@ -14,7 +13,6 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
-#include <optional>
 
 namespace tarnwell {
 namespace {
@@ -160,21 +158,20 @@ int MessageSet::adopt_i(CollectorPlugin* collector, std::vector<Declared> declar
 void MessageSet::open_i(CollectorPlugin* collector, const pwr::MsgMetadata& metadata,
                         const pwr::InputMsg* input, bool isLive) {
     auto message = std::make_unique<Message>();
-    message->collector = collector;
     message->metadata = &metadata;
-    message->written = input != nullptr && !isRead(*input) ? input : nullptr;
-    message->processor = -1;
+    OpenMessage opened{collector, &metadata, input != nullptr && !isRead(*input) ? input : nullptr, -1};
+    message->isWritten = opened.written != nullptr;
     if (input != nullptr && isLive) {
-        readProcessor(*input, message->processor);
+        readProcessor(*input, opened.processor);
     }
     bool isOpen = true;
-    if (message->processor >= 0 &&
-        !pwr::platform::ProcessorVisit(static_cast<unsigned>(message->processor)).isThere()) {
+    if (opened.processor >= 0 &&
+        !pwr::platform::ProcessorVisit(static_cast<unsigned>(opened.processor)).isThere()) {
         message->instances.reason = "message " + metadata.getMsgName() + ": processor " +
-                                    std::to_string(message->processor) +
+                                    std::to_string(opened.processor) +
                                     " is not there, or not for this program";
         isOpen = false;
-    } else if (message->written == nullptr) {
+    } else if (!message->isWritten) {
         isOpen = collector->open(metadata, message->instances) == 0;
     }
     if (!isOpen) {
@@ -184,6 +181,7 @@ void MessageSet::open_i(CollectorPlugin* collector, const pwr::MsgMetadata& meta
                              (why.fix.empty() ? "" : " (" + why.fix + ")"));
         return;
     }
+    m_reader.add(opened);
     m_messages.push_back(std::move(message));
 }
 
@@ -200,7 +198,7 @@ std::vector<AnnouncedMessage> MessageSet::announced() const {
     std::vector<AnnouncedMessage> all;
     all.reserve(m_messages.size());
     for (const std::unique_ptr<Message>& message : m_messages) {
-        if (message->written == nullptr) {
+        if (!message->isWritten) {
             all.push_back({message->metadata, &message->instances});
         }
     }
@@ -212,7 +210,7 @@ std::vector<std::string> MessageSet::failures() const {
     for (const std::unique_ptr<Message>& message : m_messages) {
         if (message->failures > 0) {
             texts.push_back(message->metadata->getCapName() + ": message " + message->metadata->getMsgName() +
-                            (message->written != nullptr ? " was not written" : " was not read") + " (" +
+                            (message->isWritten ? " was not written" : " was not read") + " (" +
                             counted(message->failures, "time") + ")");
         }
     }
@@ -228,93 +226,25 @@ const OpenFailure* MessageSet::failureOf(const std::string& feature) const {
     return isOpen || failure == m_failures.end() ? nullptr : &*failure;
 }
 
-const std::vector<const CollectionData*>& MessageSet::read(const std::string& trigger) {
-    m_round.clear();
-    for (const std::unique_ptr<Message>& message : m_messages) {
-        if (message->metadata->getTriggers().count(trigger) == 0) {
-            continue;
-        }
-        if (!execute_i(*message)) {
-            ++m_failedReads;
-            ++message->failures;
-            continue;
-        }
-        if (message->written != nullptr) {
-            continue;
-        }
-        pwr::dropMeaninglessDigits(message->data.header());
-        count_i(message->data);
-        m_round.push_back(&message->data);
-    }
-    return m_round;
-}
-
-const std::vector<const CollectionData*>& MessageSet::drain(std::uint64_t from, std::uint64_t until) {
-    m_drained.clear();
-    for (const std::unique_ptr<Message>& message : m_messages) {
-        if (message->written == nullptr && !message->metadata->getTracepointNames().empty()) {
-            drainOne_i(*message, until);
-        }
-    }
-    for (const CollectionData& record : m_drained) {
-        if (record.header().timestamp >= from) {
-            count_i(record);
-            m_round.push_back(&record);
-        }
-    }
-    if (!m_drained.empty()) {
-        std::stable_sort(m_round.begin(), m_round.end(), [](const auto* left, const auto* right) {
-            return left->header().timestamp < right->header().timestamp;
-        });
-    }
-    return m_round;
-}
-
-void MessageSet::drainOne_i(const Message& message, std::uint64_t until) {
-    const std::size_t before = m_drained.size();
-    if (message.collector->drain(*message.metadata, until, m_drained) != 0) {
-        ++m_failedReads;
-    }
-    for (std::size_t i = before; i < m_drained.size(); ++i) {
-        m_drained[i].header().id = idOf_i(*message.metadata);
+void MessageSet::count(const CollectionData& reading) {
+    for (std::size_t i = 0; i < reading.size(); ++i) {
+        ++(reading.isPresent(i) ? m_produced : m_missing);
     }
 }
 
-/// Carries a message out, on the processor that it names. What cannot go there is not carried out elsewhere: it would
-/// give the counters of another processor.
-bool MessageSet::execute_i(Message& message) {
-    std::optional<pwr::platform::ProcessorVisit> visit;
-    if (message.processor >= 0) {
-        visit.emplace(static_cast<unsigned>(message.processor));
-        if (!visit->isThere()) {
-            return false;
-        }
+void MessageSet::countFailures(const std::vector<std::size_t>& messages) {
+    for (const std::size_t message : messages) {
+        ++m_messages[message]->failures;
     }
-    if (message.written != nullptr) {
-        return message.written->execute({}) == 0;
-    }
-    message.data.clear();
-    message.data.header().id = idOf_i(*message.metadata);
-    return message.collector->read(*message.metadata, message.data) == 0;
-}
-
-void MessageSet::count_i(const CollectionData& data) {
-    for (std::size_t i = 0; i < data.size(); ++i) {
-        ++(data.isPresent(i) ? m_produced : m_missing);
-    }
+    m_failedReads += messages.size();
 }
 
 void MessageSet::close() {
-    for (const std::unique_ptr<Message>& message : m_messages) {
-        if (message->written == nullptr) {
-            message->collector->close(*message->metadata);
+    for (const OpenMessage& message : m_reader.messages()) {
+        if (message.written == nullptr) {
+            message.collector->close(*message.metadata);
         }
     }
-}
-
-id_config_t MessageSet::idOf_i(const pwr::MsgMetadata& metadata) {
-    return {static_cast<pw_u8_t>(metadata.getPluginID()), static_cast<pw_u8_t>(metadata.getMetricID()),
-            static_cast<pw_u8_t>(metadata.getMsgID())};
 }
 
 } // namespace tarnwell

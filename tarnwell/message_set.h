@@ -3,6 +3,7 @@
 #include "common/metadata/msg_metadata.h"
 #include "common/plugin/collection_data.h"
 #include "tarnwell/computation.h"
+#include "tarnwell/message_reader.h"
 
 #include <cstdint>
 #include <memory>
@@ -48,14 +49,12 @@ public:
     std::vector<const pwr::Metadata*> declarations() const;
     std::vector<AnnouncedMessage> announced() const;
 
-    /// Executes every message that has the trigger. The readings are valid until the next call, those of INIT until the
-    /// end, because no other trigger goes with it. All are taken before the first is used, so that they lie as close
-    /// together in time as the collectors allow.
-    const std::vector<const CollectionData*>& read(const std::string& trigger);
-
-    /// Adds to the last round what the messages with tracepoints recorded by themselves from tick @p from to before
-    /// tick @p until of the default clock, and puts all of the round in order of time.
-    const std::vector<const CollectionData*>& drain(std::uint64_t from, std::uint64_t until);
+    /// What reads them, on whatever thread.
+    const MessageReader& reader() const { return m_reader; }
+    /// Counts what was read.
+    void count(const CollectionData& reading);
+    /// Counts reads that failed; messages are numbered as the reader has them.
+    void countFailures(const std::vector<std::size_t>& messages);
 
     /// Ends the reading: releases what the collectors hold.
     void close();
@@ -72,13 +71,10 @@ public:
 
 private:
     struct Message {
-        CollectorPlugin* collector;
         const pwr::MsgMetadata* metadata;
-        const pwr::InputMsg* written; ///< to be written, not read; null for others
-        int processor;                ///< that it is carried out on; -1 for any
+        bool isWritten; ///< not read
         std::uint64_t failures = 0;
         MessageInstances instances;
-        CollectionData data;
     };
 
     /// A message with its metric, before it is opened. Without a metric its readings are only saved.
@@ -92,16 +88,11 @@ private:
     int adopt_i(CollectorPlugin* collector, std::vector<Declared> declared, bool isLive);
     void open_i(CollectorPlugin* collector, const pwr::MsgMetadata& metadata, const pwr::InputMsg* input,
                 bool isLive);
-    bool execute_i(Message& message);
-    void drainOne_i(const Message& message, std::uint64_t until);
     void noteUnserved_i(const HardwareDescription& description, const std::set<std::string>& features);
-    void count_i(const CollectionData& data);
-    static id_config_t idOf_i(const pwr::MsgMetadata& metadata);
 
     std::vector<std::unique_ptr<pwr::Metadata>> m_declarations;
     std::vector<std::unique_ptr<Message>> m_messages;
-    std::vector<const CollectionData*> m_round;
-    std::vector<CollectionData> m_drained;
+    MessageReader m_reader;
     std::vector<OpenFailure> m_failures;
     std::vector<std::string> m_problems;
     unsigned m_collectorCount = 0;

@@ -123,6 +123,12 @@ void Saving::settle(std::uint64_t nextTick) {
     }
 }
 
+void Saving::note(std::uint64_t tick, std::uint64_t timeval, const std::vector<pwr::TWClockSync>& moment) {
+    if (m_writer != nullptr && !m_hasFailed) {
+        note_i(m_writer->addMoment(tick, timeval, moment));
+    }
+}
+
 void Saving::end(const pwr::SystemMetadata& system, const std::vector<pwr::TWClockSync>& moment,
                  const std::vector<std::string>& notes) {
     if (m_writer == nullptr) {

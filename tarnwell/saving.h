@@ -40,6 +40,8 @@ public:
     void save(const std::vector<const CollectionData*>& round);
     /// After a round whose next one comes at @p nextTick: what would be too old then goes to the file.
     void settle(std::uint64_t nextTick);
+    /// All clocks at a moment in between.
+    void note(std::uint64_t tick, std::uint64_t timeval, const std::vector<pwr::TWClockSync>& moment);
     /// The last words: @p moment holds the clocks of the end.
     void end(const pwr::SystemMetadata& system, const std::vector<pwr::TWClockSync>& moment,
              const std::vector<std::string>& notes);
