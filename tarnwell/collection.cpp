@@ -90,7 +90,8 @@ void Collection::poll_i(std::uint64_t stop) {
         const bool isPoll = !schedule.isStop(deadline);
         m_outcome.missedTicks = schedule.missed();
         // Told time moves by waiting for it, so that comes first; real time passes while the host works.
-        if (m_parts.clock.isRecorded()) {
+        const bool isTold = m_parts.clock.isRecorded();
+        if (isTold) {
             goesOn = await_i(deadline);
         }
         if (isPoll && goesOn) {
@@ -99,7 +100,7 @@ void Collection::poll_i(std::uint64_t stop) {
         use_i(*done);
         m_parts.saving.settle(deadline);
         noteMoment_i();
-        goesOn = goesOn && await_i(deadline) && isPoll;
+        goesOn = goesOn && (isTold || await_i(deadline)) && isPoll;
         if (!goesOn) {
             cancel_i();
         }
