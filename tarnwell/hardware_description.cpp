@@ -102,8 +102,12 @@ int HardwareDescription::choose(pwr::SystemMetadata& system, const PluginSet& pl
         return 1;
     }
     int result = 0;
+    // What several platforms call the same is one feature, however else they describe it.
+    std::set<std::pair<std::string, std::string>> known;
     for (const pwr::ConfigCap& capability : capabilities) {
-        result |= offer_i(capability, plugins, maxDetail);
+        if (known.emplace(capability.getConfigfilePrefix(), capability.getName()).second) {
+            result |= offer_i(capability, plugins, maxDetail);
+        }
     }
     return result;
 }
@@ -114,6 +118,9 @@ int HardwareDescription::offer_i(const pwr::ConfigCap& capability, const PluginS
             messages, m_platforms, capability.getConfigfilePrefix(), maxDetail) != 0) {
         return 1;
     }
+    std::erase_if(messages, [&](const pwr::InputMsg* message) {
+        return message->getFeatureName() != capability.getName();
+    });
     OfferedFeature feature{capability, {}};
     int result = 0;
     for (const pwr::InputMsg* message : messages) {

@@ -3,6 +3,7 @@
 #include "common/metadata/system_metadata.h"
 #include "common/platform/system_info.h"
 #include "common/platform/virtualization.h"
+#include "common/plugin/plugin_environment.h"
 #include "tarnwell/machine_text.h"
 #include "tarnwell/pci_description.h"
 #include "tarnwell/processor_description.h"
@@ -83,6 +84,7 @@ void describeMachine(const pwr::MachineFiles& machine, bool isLive, pwr::SystemM
     describeProcessor(files, isLive, system);
     describePlatform(files, system);
     describePci(files, isLive, system);
+    system.tafEndpoints = g_pluginEnvironment->getLoadedAggrTelemInfo();
     system.platformName = known(system.platformName, {});
 }
 

@@ -1,3 +1,4 @@
+#include "common/config/platform.h"
 #include "common/config/tw_configfile_parser.h"
 #include "common/metadata/cpu_metadata.h"
 #include "common/metadata/cxh_metadata.h"
@@ -5,34 +6,52 @@
 #include "common/metadata/taf_metadata.h"
 #include "tarnwell/hardware_description.h"
 
+#include <algorithm>
 #include <list>
 
 namespace tarnwell {
 namespace {
 
-/// Appends "TYPE=NAME" for each platform that is not there yet.
+/// The platforms found, each with what it was recognised by: the first that found it.
 class PlatformList {
 public:
-    void add(const std::string& type, const std::list<std::string>& names) {
-        for (const std::string& name : names) {
-            if (m_names.insert(name).second) {
-                m_text += (m_text.empty() ? "" : ",") + type + "=" + name;
-            }
+    void addOf(pwr::PlatformMetadata& object, pwr::SystemMetadata& system) {
+        object.getPlatformNames(pwr::TWConfigFileParser::instance(), m_names, system);
+        m_types.resize(m_names.size(), object.getSpecifierType());
+    }
+    void add(const std::string& type, const std::string& name) {
+        if (std::find(m_names.begin(), m_names.end(), name) == m_names.end()) {
+            m_names.push_back(name);
+            m_types.push_back(type);
         }
     }
-    const std::string& text() const { return m_text; }
+    /// As "TYPE=NAME,TYPE=NAME". What another one descends from is left out: that one inherits what is wanted of it.
+    std::string text() const {
+        std::string text;
+        auto type = m_types.begin();
+        for (const std::string& name : m_names) {
+            if (!isInherited_i(name)) {
+                text += (text.empty() ? "" : ",") + *type + "=" + name;
+            }
+            ++type;
+        }
+        return text;
+    }
 
 private:
-    std::set<std::string> m_names;
-    std::string m_text;
-};
-
-void addOf(pwr::PlatformMetadata& object, pwr::SystemMetadata& system, PlatformList& platforms) {
-    std::list<std::string> names;
-    if (object.getPlatformNames(pwr::TWConfigFileParser::instance(), names, system) == 0) {
-        platforms.add(object.getSpecifierType(), names);
+    bool isInherited_i(const std::string& name) const {
+        return std::any_of(m_names.begin(), m_names.end(), [&name](const std::string& other) {
+            const pwr::Platform* at = pwr::TWConfigFileParser::instance()->findPlatform(other)->getParent();
+            while (at != nullptr && at->getName() != name) {
+                at = at->getParent();
+            }
+            return at != nullptr;
+        });
     }
-}
+
+    std::list<std::string> m_names;
+    std::vector<std::string> m_types; ///< of each name
+};
 
 } // namespace
 
@@ -42,19 +61,20 @@ std::string choosePlatforms(pwr::SystemMetadata& system) {
     if (const pwr::CPUMetadata* const known = system.getCPUMetadata(); known != nullptr) {
         pwr::CPUMetadata processor;
         processor.setFMS(known->getFamily(), known->getModel(), known->getStepping());
-        addOf(processor, system, platforms);
+        platforms.addOf(processor, system);
     }
     pwr::CXHMetadata chipset;
-    addOf(chipset, system, platforms);
-    pwr::TAFMetadata telemetry;
-    addOf(telemetry, system, platforms);
+    platforms.addOf(chipset, system);
     for (const auto& [type, value] : system.platformSpecifiers) {
         std::string name;
         if (pwr::TWConfigFileParser::instance()->getPlatformName(name, {type, value}) == 0) {
-            platforms.add(type, {name});
+            platforms.add(type, name);
         }
     }
-    return platforms.text().empty() ? "ALL=ALL" : platforms.text();
+    pwr::TAFMetadata telemetry;
+    platforms.addOf(telemetry, system);
+    const std::string text = platforms.text();
+    return text.empty() ? "ALL=ALL" : text;
 }
 
 } // namespace tarnwell

@@ -103,6 +103,16 @@ int checkCap(const DeclaredCap& declared) {
 
 } // namespace
 
+void removeImplicitTriggers(const Parser& parser) {
+    for (const auto& [name, platform] : parser.getPlatforms()) {
+        for (const auto& declared : platform->getDeclaredCaps()) {
+            for (const auto& message : declared->messages) {
+                message->removeImplicitTrigger();
+            }
+        }
+    }
+}
+
 void addImplicitTriggers(const Parser& parser) {
     for (const auto& [name, platform] : parser.getPlatforms()) {
         for (const auto& declared : platform->getDeclaredCaps()) {
@@ -119,7 +129,7 @@ void addImplicitTriggers(const Parser& parser) {
                 }
                 logTrace(c_configTraceTag, "DEBUG: found IMPLICIT INIT for message: %s\n",
                          message->getName().c_str());
-                message->addReadTrigger("INIT");
+                message->addImplicitTrigger();
             }
         }
     }

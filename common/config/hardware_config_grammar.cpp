@@ -87,6 +87,9 @@ int HardwareConfigGrammar::platformHead_i() {
             "a part of the platform name is empty: \"-\" joins parts, and what stands before the last "
             "one names the parent");
     }
+    if (trimBlanks(name) != name || name.find(',') != std::string_view::npos) {
+        return fail_i("a platform name with blanks around it or a comma cannot be asked for");
+    }
     m_platform = &m_parser.getOrCreatePlatform(std::string(name), Parser::getParentName(name));
     m_cap = nullptr;
     m_message = nullptr;

@@ -101,6 +101,18 @@ bool InputMsg::areOperationsCompatible_i(TWOpCommand command) const {
     return std::all_of(begin(), end(), [command](const Operation* o) { return o->isValidCommand(command); });
 }
 
+void InputMsg::addImplicitTrigger() {
+    m_isTriggerImplicit = m_normal.triggers.empty() && addReadTrigger("INIT") == 0;
+}
+
+void InputMsg::removeImplicitTrigger() {
+    if (m_isTriggerImplicit) {
+        m_normal.triggers.clear();
+        m_command = TWOpCommand::UNSET;
+        m_isTriggerImplicit = false;
+    }
+}
+
 void InputMsg::addTracepointName(const std::string& name, Detail detail) {
     triggerSet_i(detail).tracepointNames.insert(name);
 }
@@ -133,20 +145,10 @@ int InputMsg::addOperation(Operation* operation) {
     return 0;
 }
 
-void InputMsg::take_i(Operation* operation) {
-    m_ownedOperations.emplace_back(operation);
-    m_operations.push_back(operation);
-    if (operation->getOrgMsgTag() == m_name) {
-        m_ownOperations.push_back(operation);
-    }
-    if (m_work == nullptr && !operation->getCollectorType().empty()) {
-        m_work = operation;
-    }
-}
-
 void InputMsg::resetOperations() {
     m_work = nullptr;
     m_ownOperations.clear();
+    m_heldWork.clear();
     m_operations.clear();
     m_ownedOperations.clear();
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -84,6 +85,9 @@ public:
     int addTrigger(TWOpCommand command, const std::string& trigger, Detail detail = Detail::NORMAL);
     int addReadTrigger(const std::string& trigger) { return addTrigger(TWOpCommand::READ, trigger); }
     int addWriteTrigger(const std::string& trigger) { return addTrigger(TWOpCommand::WRITE, trigger); }
+    /// The trigger of a message for which its statements name none: read at "INIT". It can be taken back, and only it.
+    void addImplicitTrigger();
+    void removeImplicitTrigger();
     void addTracepointName(const std::string& name, Detail detail = Detail::NORMAL);
     void addNotifierName(const std::string& name, Detail detail = Detail::NORMAL);
     const PWSet& getTriggers() const { return m_normal.triggers; }
@@ -131,6 +135,7 @@ private:
     bool hasCollectorOf_i(const InputMsg& other) const;
     bool areReadTriggersCompatible_i(const InputMsg& member, Detail detail) const;
     void copyOperationsOf_i(const InputMsg& other);
+    void copyOperation_i(const Operation& operation);
     void take_i(Operation* operation);
 
     std::string m_name;
@@ -147,13 +152,15 @@ private:
     TWOpCommand m_command = TWOpCommand::UNSET;
     bool m_isGroupMember = false;
     bool m_isCopied = false;
+    bool m_isTriggerImplicit = false;
     TriggerSet m_normal;
     TriggerSet m_maxDetail;
     std::vector<std::unique_ptr<Operation>> m_ownedOperations;
     std::vector<Operation*> m_operations; ///< the same, as they are handed out
     std::vector<Operation*>
-        m_ownOperations;               ///< those of its own tag, which are few whatever a group has copied
-    const Operation* m_work = nullptr; ///< the first that has a collector: it speaks for all of them
+        m_ownOperations; ///< those of its own tag, which are few whatever a group has copied
+    std::unordered_set<std::string> m_heldWork; ///< what it holds already, as soon as it is a group
+    const Operation* m_work = nullptr;          ///< the first that has a collector: it speaks for all of them
     const EntityHandle* m_entity = nullptr;
 };
 

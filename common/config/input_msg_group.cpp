@@ -13,14 +13,36 @@ int refuse(const InputMsg& group, const InputMsg& member) {
     return -1;
 }
 
+/// What tells the operations of a capability's statements apart.
+std::string workOf(const Operation& operation) {
+    return operation.getOrgMsgTag() + "_" + operation.getCollectorType();
+}
+
 } // namespace
+
+void InputMsg::take_i(Operation* operation) {
+    m_ownedOperations.emplace_back(operation);
+    m_operations.push_back(operation);
+    if (operation->getOrgMsgTag() == m_name) {
+        m_ownOperations.push_back(operation);
+    }
+    if (m_work == nullptr && !operation->getCollectorType().empty()) {
+        m_work = operation;
+    }
+    if (!m_heldWork.empty()) {
+        m_heldWork.insert(workOf(*operation));
+    }
+}
 
 void InputMsg::copyOperationsOf_i(const InputMsg& other) {
     for (const Operation* operation : other.m_operations) {
-        if (m_command != TWOpCommand::UNSET && !operation->isValidCommand(m_command)) {
-            continue;
-        }
-        take_i(operation->clone());
+        copyOperation_i(*operation);
+    }
+}
+
+void InputMsg::copyOperation_i(const Operation& operation) {
+    if (m_command == TWOpCommand::UNSET || operation.isValidCommand(m_command)) {
+        take_i(operation.clone());
     }
 }
 
@@ -77,7 +99,16 @@ int InputMsg::append(InputMsg& member) {
         m_maxDetail = member.m_maxDetail;
     }
     m_cpuString = member.m_cpuString;
-    copyOperationsOf_i(member);
+    if (m_heldWork.empty()) {
+        m_heldWork.insert(""); // from now on it is kept
+        std::for_each(begin(), end(), [this](const Operation* own) { m_heldWork.insert(workOf(*own)); });
+    }
+    for (const Operation* operation : member) {
+        // Two members may hold copies of the same work, which is carried out once.
+        if (operation->getOrgMsgTag().empty() || m_heldWork.count(workOf(*operation)) == 0) {
+            copyOperation_i(*operation);
+        }
+    }
     member.m_isGroupMember = true;
     member.m_isCopied = true;
     return 0;

@@ -19,69 +19,61 @@ std::vector<const Platform*> lineOf(const Platform& platform) {
     return line;
 }
 
-/// One operation for each collector that the messages use.
-std::vector<const Operation*> collectorsOf(const std::vector<InputMsg*>& messages) {
-    std::vector<const Operation*> found;
-    for (const InputMsg* message : messages) {
-        for (const Operation* operation : *message) {
-            if (!operation->getCollectorType().empty() &&
-                std::none_of(found.begin(), found.end(),
-                             [operation](const Operation* o) { return o->hasCollectorOf(*operation); })) {
-                found.push_back(operation);
-            }
+/// Completes the operations by one of each collector that a message uses besides.
+void addCollectorsOf(const InputMsg& message, std::vector<const Operation*>& found) {
+    for (const Operation* operation : message) {
+        if (!operation->getCollectorType().empty() &&
+            std::none_of(found.begin(), found.end(),
+                         [operation](const Operation* o) { return o->hasCollectorOf(*operation); })) {
+            found.push_back(operation);
         }
     }
-    return found;
 }
 
 /// A capability may be extended by work of the collectors that it uses already, and of no other.
-bool addsCollector(const std::vector<InputMsg*>& parents, const std::vector<InputMsg*>& children) {
-    const std::vector<const Operation*> added = collectorsOf(children);
-    const std::vector<const Operation*> known = collectorsOf(added.empty() ? children : parents);
-    return !known.empty() && std::any_of(added.begin(), added.end(), [&known](const Operation* operation) {
-        return std::none_of(known.begin(), known.end(),
-                            [operation](const Operation* o) { return o->hasCollectorOf(*operation); });
-    });
+bool addsCollector(const OfferedCap& offered, const DeclaredCap& declared) {
+    std::vector<const Operation*> all = offered.collectors;
+    for (const auto& message : declared.messages) {
+        addCollectorsOf(*message, all);
+    }
+    return !offered.collectors.empty() && all.size() > offered.collectors.size();
 }
 
-void extendMessages(std::vector<InputMsg*>& messages, const std::vector<InputMsg*>& children,
-                    CapMergeReport& report) {
-    if (children.empty()) {
-        return;
-    }
-    std::unordered_map<std::string_view, std::size_t> places;
-    for (std::size_t place = 0; place < messages.size(); ++place) {
-        places.emplace(messages[place]->getName(), place);
-    }
-    for (InputMsg* const child : children) {
-        const auto clash = places.find(child->getName());
-        if (clash == places.end()) {
-            messages.push_back(child);
+void extendMessages(OfferedCap& offered, const DeclaredCap& declared, CapMergeReport& report) {
+    const std::size_t clashesBefore = report.clashes.size();
+    for (const auto& child : declared.messages) {
+        const auto place = offered.places.emplace(child->getName(), offered.messages.size());
+        if (place.second) {
+            offered.messages.push_back(child.get());
+            addCollectorsOf(*child, offered.collectors);
             continue;
         }
-        InputMsg*& parent = messages[clash->second];
-        report.clashes.emplace_back(parent, child);
-        parent = child;
+        InputMsg*& parent = offered.messages[place.first->second];
+        report.clashes.emplace_back(parent, child.get());
+        parent = child.get();
+    }
+    if (report.clashes.size() == clashesBefore) {
+        return;
+    }
+    offered.collectors.clear(); // what was replaced may have been the only work of its collector
+    for (const InputMsg* const message : offered.messages) {
+        addCollectorsOf(*message, offered.collectors);
     }
 }
 
 } // namespace
 
 void mergeCap(OfferedCap& offered, const DeclaredCap& declared, CapMergeReport& report) {
-    std::vector<InputMsg*> own;
-    for (const auto& message : declared.messages) {
-        own.push_back(message.get());
+    if (declared.mode == InheritMode::OVERRIDE) {
+        offered.messages.clear();
+        offered.places.clear();
+        offered.collectors.clear();
     }
-    const bool extends = offered.definer != nullptr && declared.mode == InheritMode::EXTEND;
-    if (extends && addsCollector(offered.messages, own)) {
+    if (addsCollector(offered, declared)) {
         report.areCollectorsDifferent = true;
         return;
     }
-    if (extends) {
-        extendMessages(offered.messages, own, report);
-    } else {
-        offered.messages = std::move(own);
-    }
+    extendMessages(offered, declared, report);
     offered.definer = &declared.platform;
     offered.cap.setConfigfilePrefix(declared.prefix);
     offered.hasCommandLine = offered.hasCommandLine || declared.commandLine.has_value();

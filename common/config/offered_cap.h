@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -21,6 +24,10 @@ struct OfferedCap {
     const Platform* definer = nullptr; ///< the last platform on the way down that has a say
     std::vector<InputMsg*>
         messages; ///< the parent's in its order, replaced in place or followed by the child's
+
+    // Kept along, so that a long line of descent costs no more than its declarations.
+    std::unordered_map<std::string_view, std::size_t> places; ///< of the messages, by their names
+    std::vector<const Operation*> collectors; ///< one operation for each that the messages use
 };
 
 /// What was noteworthy when a declaration went on top of what the parent offers.

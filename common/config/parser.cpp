@@ -71,9 +71,6 @@ const Platform* Parser::choosePlatform(const std::pair<std::string, std::string>
     const auto& [type, value] = specifier;
     const Platform* partial = nullptr;
     for (const auto& [name, platform] : m_platforms) {
-        if (platform->isDeprecated(type, value)) {
-            continue;
-        }
         for (const auto& candidate : platform->getSpecifiers()) {
             const int level = candidate->match(type, value);
             if (level == ConfigSpecifier::EXACT_MATCH) {

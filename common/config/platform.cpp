@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "common/config/offered_cap.h"
-#include "common/config/specifier_values.h"
 #include "common/plugin/logger.h"
 
 namespace pwr {
@@ -41,11 +40,6 @@ bool Platform::isDeprecatedGUID(pw_u32_t guid) const {
     return std::find(m_deprecatedGUIDs.begin(), m_deprecatedGUIDs.end(), guid) != m_deprecatedGUIDs.end();
 }
 
-bool Platform::isDeprecated(const std::string& type, const std::string& value) const {
-    pw_u32_t guid = 0;
-    return type == "TAF" && readGUIDValue(value, guid) && isDeprecatedGUID(guid);
-}
-
 std::vector<pw_u32_t> Platform::getTAFGUIDs() const {
     std::vector<pw_u32_t> guids;
     for (const auto& specifier : m_specifiers) {
@@ -59,6 +53,10 @@ std::vector<pw_u32_t> Platform::getTAFGUIDs() const {
 DeclaredCap& Platform::getOrCreateCap(std::string_view prefix) {
     DeclaredCap* const known = m_caps.find(prefix);
     return known != nullptr ? *known : m_caps.add(std::make_unique<DeclaredCap>(*this, prefix));
+}
+
+bool Platform::offers(std::string_view prefix) const {
+    return m_caps.find(prefix) != nullptr || (m_parent != nullptr && m_parent->offers(prefix));
 }
 
 int Platform::getMessagesFor(OfferedCap& offered, const std::string& prefix) const {

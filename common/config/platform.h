@@ -40,8 +40,6 @@ public:
     void addDeprecatedGUIDs(const std::vector<pw_u32_t>& guids);
     const std::vector<pw_u32_t>& getDeprecatedGUIDs() const { return m_deprecatedGUIDs; }
     bool isDeprecatedGUID(pw_u32_t guid) const;
-    /// Whether a value to be matched is a telemetry GUID that the platform no longer supports.
-    bool isDeprecated(const std::string& type, const std::string& value) const;
     /// The GUIDs of all its telemetry specifiers.
     std::vector<pw_u32_t> getTAFGUIDs() const;
     /// Whether a GUID that a telemetry specifier is to have is the first of its number.
@@ -50,6 +48,8 @@ public:
     DeclaredCap& getOrCreateCap(std::string_view prefix);
     const NamedList<DeclaredCap>& getDeclaredCaps() const { return m_caps; }
 
+    /// Whether it or one that it descends from declares the prefix.
+    bool offers(std::string_view prefix) const;
     /// A capability with its messages, inherited ones included. 0, or 1 and a warning when neither the platform nor
     /// one that it descends from declares the prefix.
     int getMessagesFor(OfferedCap& offered, const std::string& prefix) const;

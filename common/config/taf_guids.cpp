@@ -10,15 +10,17 @@
 
 namespace pwr {
 
-void warnOfDeprecatedGUID(const Parser& parser, const std::pair<std::string, std::string>& specifier) {
+bool warnOfDeprecatedGUID(const Parser& parser, const std::pair<std::string, std::string>& specifier) {
     const auto& platforms = parser.getPlatforms();
     pw_u32_t guid = 0;
-    if (specifier.first == "TAF" && readGUIDValue(specifier.second, guid) &&
-        std::any_of(platforms.begin(), platforms.end(),
-                    [guid](const auto& entry) { return entry.second->isDeprecatedGUID(guid); })) {
-        logWarning("WARNING: Deprecated GUID detected: 0x%x\n", guid);
-        logWarning("Please check the Release Notes for the Tarnwell version that supports this GUID.\n");
+    if (specifier.first != "TAF" || !readGUIDValue(specifier.second, guid) ||
+        std::none_of(platforms.begin(), platforms.end(),
+                     [guid](const auto& entry) { return entry.second->isDeprecatedGUID(guid); })) {
+        return false;
     }
+    logWarning("WARNING: Deprecated GUID detected: 0x%x\n", guid);
+    logWarning("Please check the Release Notes for the Tarnwell version that supports this GUID.\n");
+    return true;
 }
 
 void publishDeprecatedGUIDs(const Parser& parser) {

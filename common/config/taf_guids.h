@@ -12,8 +12,8 @@ namespace pwr {
 class Parser;
 class Platform;
 
-/// Says so when a value to be matched is a telemetry GUID that a platform no longer supports.
-void warnOfDeprecatedGUID(const Parser& parser, const std::pair<std::string, std::string>& specifier);
+/// Whether a value to be matched is a telemetry GUID that is no longer supported, of whichever platform; a warning then.
+bool warnOfDeprecatedGUID(const Parser& parser, const std::pair<std::string, std::string>& specifier);
 
 /// Enters into the environment which GUIDs each platform no longer supports.
 void publishDeprecatedGUIDs(const Parser& parser);

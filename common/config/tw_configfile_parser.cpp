@@ -78,6 +78,7 @@ int TWConfigFileParser::parse(const std::vector<std::string>& files) {
     if (!isSetUp(m_contents->parser)) {
         return 1;
     }
+    removeImplicitTriggers(*m_contents->parser);
     HardwareConfigGrammar grammar(*m_contents->parser, m_contents->collectors);
     int result = 0;
     for (const std::string& file : files) {
@@ -94,6 +95,7 @@ int TWConfigFileParser::parseText(const std::string& name, std::string_view text
     if (!isSetUp(m_contents->parser)) {
         return 1;
     }
+    removeImplicitTriggers(*m_contents->parser);
     HardwareConfigGrammar grammar(*m_contents->parser, m_contents->collectors);
     return finish_i(readConfigText(name, text, [&grammar](const Statement& statement, std::string& problem) {
         return grammar.apply(statement, problem);
@@ -131,8 +133,9 @@ int TWConfigFileParser::getPlatformName(std::string& name,
     if (m_contents->parser == nullptr) {
         return 1;
     }
-    warnOfDeprecatedGUID(*m_contents->parser, specifier);
-    const Platform* const platform = m_contents->parser->choosePlatform(specifier);
+    const Platform* const platform = warnOfDeprecatedGUID(*m_contents->parser, specifier)
+                                         ? nullptr
+                                         : m_contents->parser->choosePlatform(specifier);
     if (platform == nullptr) {
         return 1;
     }
@@ -185,6 +188,11 @@ int TWConfigFileParser::getMessagesFor(std::vector<InputMsg*>& messages, const s
     std::vector<const Platform*> selected;
     if (selectPlatforms_i(platforms, selected) != 0) {
         return 1;
+    }
+    const auto lacksPrefix = [&prefix](const Platform* platform) { return !platform->offers(prefix); };
+    // A machine is several platforms at once: a capability of one of them is nothing to be missed on the others.
+    if (!std::all_of(selected.begin(), selected.end(), lacksPrefix)) {
+        std::erase_if(selected, lacksPrefix);
     }
     const InputMsg::Detail detail = maxDetail ? InputMsg::Detail::MAX : InputMsg::Detail::NORMAL;
     std::set<const InputMsg*> known;

@@ -124,6 +124,10 @@ bool TAFMetadata::setTAF(const std::string& text) {
         }
         guids.insert(guid);
     }
+    if (guids.empty()) {
+        pw_u32_t none = 0;
+        return readEmulatedGUID(text, none); // nothing is no number, and says so
+    }
     m_guids = std::move(guids);
     return true;
 }
@@ -151,14 +155,10 @@ int TAFMetadata::initAndGetValue_i(const SystemMetadata& /*system*/, std::vector
 
 int TAFMetadata::getPlatformNames(TWConfigFileParser* parser, std::list<std::string>& names,
                                   SystemMetadata& system) {
-    std::list<std::string> found;
-    const int result = PlatformMetadata::getPlatformNames(parser, found, system);
-    for (const std::string& name : found) {
-        if (const Platform* const platform = parser->findPlatform(name)) {
+    const int result = PlatformMetadata::getPlatformNames(parser, names, system);
+    for (const std::string& name : names) {
+        if (const Platform* const platform = parser == nullptr ? nullptr : parser->findPlatform(name)) {
             warnOfMissingGUIDs(*platform, m_guids);
-        }
-        if (std::find(names.begin(), names.end(), name) == names.end()) {
-            names.push_back(name);
         }
     }
     return result;

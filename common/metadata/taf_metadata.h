@@ -22,7 +22,8 @@ public:
     /// number; nothing is changed then.
     bool setTAF(const std::string& text);
 
-    /// Also warns of GUIDs that a platform is described with and that the machine lacks.
+    /// Also warns of GUIDs that the machine lacks and a platform of the list is described with, whatever found it:
+    /// so the telemetry is asked last.
     int getPlatformNames(TWConfigFileParser* parser, std::list<std::string>& names,
                          SystemMetadata& system) override;
     /// Only a machine with telemetry can lack its description.

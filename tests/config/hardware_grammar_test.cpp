@@ -49,6 +49,10 @@ TEST_F(HardwareConfigTest, namesWhatIsWrongInAModelStatement) {
         "a part of the platform name is empty: \"-\" joins parts, and what stands before the last one names "
         "the "
         "parent (rule platformHead)");
+    for (const char* name : {"A,B", "A ", "A\t"}) {
+        bad(std::string(name) + "_MODEL_CORES_CONSTANT_VALUE=1", "",
+            "a platform name with blanks around it or a comma cannot be asked for (rule platformHead)");
+    }
     bad("A_B_C=D_E_F=1", "", "fewer than four \"_\" before the first \"=\"; F1_F2_F3_F4_F5=VALUE expected");
 }
 
@@ -231,6 +235,9 @@ TEST_F(HardwareConfigTest, givesUntriggeredWorkTheTriggerInit) {
     EXPECT_EQ("M:M(INIT) EMPTY:() DETAIL:DETAIL(TRACEPOINT) BOTH:BOTH(POLL) GROUP:MEMBER(INIT)",
               describe(messages("X=ALL", "C", true)));
     EXPECT_EQ(PWSet{"t"}, messages("X=ALL", "C", true)[2]->getTracepointNames());
+    good("ALL_C_M_MSG_WRITE-WHEN=POLL\nALL_C_EMPTY_FILE_K=1\n"); // as if one file had said it all
+    EXPECT_EQ("M:M(POLL) EMPTY:EMPTY(INIT) BOTH:BOTH(BEGIN) GROUP:MEMBER(INIT)",
+              describe(messages("X=ALL", "C")));
 }
 
 } // namespace

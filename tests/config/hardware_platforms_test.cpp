@@ -76,10 +76,13 @@ TEST_F(PlatformsTest, knowTheirTelemetry) {
     EXPECT_EQ((std::vector<pw_u32_t>{0xA2, 0xA3}), g_pluginEnvironment->getDeprecatedTAFGUIDs());
     EXPECT_EQ("A", chosen("TAF", "GUID=0xa1"));
     EXPECT_EQ("", m_log.take());
-    EXPECT_EQ("", chosen("TAF", "GUID=0xa2"));
-    EXPECT_EQ("WARNING: Deprecated GUID detected: 0xa2\n"
-              "Please check the Release Notes for the Tarnwell version that supports this GUID.\n",
-              m_log.take());
+    good("B_MODEL_TAF_CONSTANT_VALUE=GUID=0xA3\n");
+    for (const char* guid : {"a2", "a3"}) { // though another platform knows the second
+        EXPECT_EQ("", chosen("TAF", ("GUID=0x" + std::string(guid)).c_str()));
+        EXPECT_EQ("WARNING: Deprecated GUID detected: 0x" + std::string(guid) +
+                      "\nPlease check the Release Notes for the Tarnwell version that supports this GUID.\n",
+                  m_log.take());
+    }
 }
 
 TEST_F(PlatformsTest, areSelectedByAString) {
@@ -155,6 +158,23 @@ TEST_F(PlatformsTest, inheritCapabilities) {
     EXPECT_EQ("P8:P8(INIT)", describe(messages("CPU=A,CXH=D", "OVER")));
     EXPECT_EQ("P9:P9(INIT) P8:P8(INIT)", describe(messages("CPU=A-B,CXH=D", "OVER")));
     EXPECT_EQ(messages("CPU=A", "EXT"), messages("CPU=A", "EXT"));
+    EXPECT_EQ("P1:P1(INIT) P2:P2(INIT)", describe(messages("CXH=D,CPU=A", "EXT")));
+    EXPECT_EQ("", m_log.take()) << "one of two platforms that has a capability is enough";
+}
+
+TEST_F(PlatformsTest, areExtendedByTheCollectorsThatAreInUse) {
+    const std::string lines = "A_MODEL_X_CONSTANT_VALUE=1\nALL_C_CAPABILITY_COMMAND-LINE_VALUE=c\n"
+                              "A_C_P_FILE_K=1\nA_C_Q_DEVICE_K=1\n"
+                              "A-B_C_INHERIT_MODE_VALUE=EXTEND\nA-B_C_R_DEVICE_K=2\n"
+                              "A-B-C_C_INHERIT_MODE_VALUE=EXTEND\nA-B-C_C_Q_FILE_K=3\nA-B-C_C_R_FILE_K=3\n"
+                              "A-B-C-D_C_INHERIT_MODE_VALUE=EXTEND\nA-B-C-D_C_S_DEVICE_K=4\n"
+                              "A-B-C-E_C_INHERIT_MODE_VALUE=OVERRIDE\nA-B-C-E_C_S_DEVICE_K=4\n";
+    good(lines, "WARNING: Parent message (A_C_Q) clashes with child message (A-B-C_C_Q)\n"
+                "WARNING: Parent message (A-B_C_R) clashes with child message (A-B-C_C_R)\n"
+                "Deleting platform A-B-C-D because the collectors are different!\n");
+    EXPECT_EQ("P:P(INIT) Q:Q(INIT) R:R(INIT)", describe(messages("CPU=A-B-C-D", "C")));
+    EXPECT_EQ("A-B-C_C_Q", messages("CPU=A-B-C-D", "C")[1]->getFullName());
+    EXPECT_EQ("S:S(INIT)", describe(messages("CPU=A-B-C-E", "C")));
 }
 
 TEST_F(PlatformsTest, areWarnedAboutWhenNothingCanComeOfThem) {
@@ -170,6 +190,7 @@ TEST_F(PlatformsTest, areWarnedAboutWhenNothingCanComeOfThem) {
 
 TEST_F(PlatformsTest, areFoundForAMachine) {
     good("A_MODEL_FMS_CONSTANT_VALUE=6.85\n"
+         "A_MODEL_TAF_CONSTANT_VALUE=GUID=0xA1\n"
          "B_MODEL_PCI_CONSTANT_VALUE=VENDOR=0x1,DEVICE=0x2\n"
          "T_MODEL_TAF_CONSTANT_VALUE=GUID=0xB1,GUID=0xB2\n");
     SystemMetadata system;
@@ -189,13 +210,17 @@ TEST_F(PlatformsTest, areFoundForAMachine) {
     TAFMetadata telemetry;
     EXPECT_FALSE(telemetry.shouldPrintMessageOnNoMatch());
     EXPECT_FALSE(telemetry.setTAF("0xB1,b2"));
+    EXPECT_FALSE(telemetry.setTAF(" ,"));
     EXPECT_TRUE(telemetry.setTAF("0xB1"));
     EXPECT_EQ(0, telemetry.getPlatformNames(&parser(), names, system));
     EXPECT_EQ((std::list<std::string>{"A", "B", "T"}), names);
     EXPECT_TRUE(telemetry.setTAF("0xB3"));
+    names.clear();
     EXPECT_EQ(1, telemetry.getPlatformNames(&parser(), names, system));
     EXPECT_EQ("WARNING: invalid chipset value 1:3 received: MUST be in format VENDOR=0x<id>,DEVICE=0x<id>\n"
               "ERROR: Could not parse given emulated TAF GUID\n"
+              "ERROR: Could not parse given emulated TAF GUID\n"
+              "WARNING: TAF GUID 0xa1 missing.\n"
               "WARNING: TAF GUID 0xb2 missing.\n"
               "WARNING: the hardware description has no platform for TAF GUID=0xb3\n",
               m_log.take());

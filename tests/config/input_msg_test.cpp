@@ -164,6 +164,12 @@ TEST_F(InputMsgTest, groupsMessages) {
     EXPECT_EQ("G:A+B+G(BEGIN,POLL)", describe(messages("X=ALL", "C")));
     EXPECT_EQ("1", message().getCPUString());
 
+    TWConfigFileParser::destroy();
+    parser().registerCollectorType("FILE", nullptr);
+    described("ALL_C_D_FILE_K=1\nALL_C_D_CONSTANT_K=1\nALL_C_A_MSG_GROUP=D, D\nALL_C_B_FILE_K=1\n"
+              "ALL_C_B_MSG_GROUP=D\nALL_C_G_MSG_GROUP=A,B\n");
+    EXPECT_EQ("G:D+D+B(INIT)", describe(messages("X=ALL", "C"))) << "the same work is carried out once";
+
     const std::string failed = "WARNING: couldn't append message A to message G!\n";
     const std::string problem = "message A cannot be a part of G (rule msgGroupList)";
     refused("ALL_C_G_MSG_GROUP=G", "told to add a group G to itself?!\n",

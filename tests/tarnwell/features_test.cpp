@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+
 // What users write in text files: counters of their own, platforms, moments, groups.
 
 namespace {
@@ -117,6 +119,112 @@ TEST_F(Features, platformIsThatOfTheProcessor) {
     const ProgramResult other = run({"--hardware-config", "other.cfg", "--feature", "swap"});
     EXPECT_EQ(2, other.exitCode);
     EXPECT_THAT(other.errors, HasSubstr("unknown feature \"swap\""));
+}
+
+/// A bundle's entry of a file with any bytes.
+std::string fileEntry(const std::string& path, const std::string& bytes) {
+    return "file " + path + " " + std::to_string(bytes.size()) + "\n" + bytes + "\n";
+}
+
+TEST_F(Features, platformIsThatOfADeviceOrOfTelemetry) {
+    std::string text = readFile(kMachine);
+    const std::string first = "@1000000000\n";
+    text.insert(text.find(first) + first.size(),
+                "line /sys/bus/pci/devices/0000:00:1f.0/vendor 0x1ab1\n"
+                "line /sys/bus/pci/devices/0000:00:1f.0/device 0x0011\n" +
+                    fileEntry("/etc/tarnwell/telemetry-endpoints", "3 0x2c01 1 /telem/raw 8 8 1\n") +
+                    fileEntry("/telem/others", "4 0x2c02 1 /telem/raw 0 16 2\n") +
+                    fileEntry("/telem/raw", "first..." + std::string("\5\0\0\0\0\0\0\0", 8)));
+    writeFile(kMachine, text);
+    // Each platform has a capability of its own.
+    const std::string device = "BELUGA_MODEL_PCI_CONSTANT_VALUE=VENDOR=0x1ab1,DEVICE=0x11\n"
+                               "BELUGA_PAGES_CAPABILITY_COMMAND-LINE_VALUE=pages\n"
+                               "BELUGA_PAGES_OUT_TEXT-FILE_PATH=/proc/vmstat\n"
+                               "BELUGA_PAGES_OUT_TEXT-FILE_FIELD=pswpout 1\n";
+    const std::string counter = "NARWHAL_POWER_CAPABILITY_COMMAND-LINE_VALUE=power\n"
+                                "NARWHAL_POWER_CORE_MSG_READ-WHEN=BEGIN\n"
+                                "NARWHAL_POWER_CORE_AGGR-TELEM_SAMPLE-ID=0\n"
+                                "NARWHAL_POWER_CORE_AGGR-TELEM_GUID=";
+    const auto telemetry = [&](const std::string& guid, const std::string& guids) {
+        return counter + guid + "\nNARWHAL_MODEL_TAF_CONSTANT_VALUE=" + guids + "\n";
+    };
+    const std::string unknown = "WARNING: the hardware description has no platform for TAF GUID=0x2c01\n";
+    const std::string out = "OUT,pages,SYSTEM,\"\",7\r\n";
+    const std::string core = "CORE,power,SYSTEM,\"\",5\r\n";
+    struct Case {
+        std::string config;
+        std::vector<std::string> options;
+        int exitCode;
+        std::string errors;   ///< before what ends the program
+        std::string readings; ///< message, feature, entity, descriptor and value of each
+    };
+    for (const Case& c : {
+             Case{device, {"--feature", "pages"}, 0, unknown, out},
+             {"BELUGA_MODEL_PCI_CONSTANT_VALUE=VENDOR=0x1ab1,DEVICE=0x12\n",
+              {"--feature", "pages"},
+              2,
+              unknown,
+              {}},
+             {telemetry("0x2c01", "GUID=0x2c01"), {"--feature", "power"}, 0, "", core},
+             {telemetry("0x2c02", "GUID=0x2c02"), {"--feature", "power"}, 2, unknown, {}},
+             {telemetry("0x2c02", "GUID=0x2c02"),
+              {"--feature", "power", "--endpoints", "/telem/others"},
+              0,
+              "",
+              "CORE,power,SYSTEM,\"\",3327648252361337190\r\n"},
+             {telemetry("0x2c01", "GUID=0x2c01") + "ORCA_MODEL_FMS_CONSTANT_VALUE=7.1\n" +
+                  "ORCA_MODEL_DEPRECATED-GUIDS_CONSTANT_VALUE=GUID=0x2c01\n",
+              {"--feature", "power"},
+              2,
+              "WARNING: Deprecated GUID detected: 0x2c01\nPlease check the Release Notes for the Tarnwell "
+              "version "
+              "that supports this GUID.\n" +
+                  unknown,
+              {}},
+             // Three platforms at once, each with what the others lack.
+             {device + telemetry("0x2c01", "GUID=0x2c01,GUID=0x2c03") +
+                  "ORCA_MODEL_FMS_CONSTANT_VALUE=6.85\n" + "ORCA_MODEL_TAF_CONSTANT_VALUE=GUID=0x2c04\n",
+              {"--feature", "pages", "--feature", "power"},
+              0,
+              "WARNING: TAF GUID 0x2c04 missing.\nWARNING: TAF GUID 0x2c03 missing.\n",
+              out + core},
+             // What a platform and its descendant both have is read once, also under another description.
+             {device + "BELUGA-MOBILE_MODEL_FMS_CONSTANT_VALUE=6.85\n",
+              {"--feature", "pages"},
+              0,
+              unknown,
+              out},
+             {device +
+                  "ORCA_MODEL_FMS_CONSTANT_VALUE=6.85\nORCA_PAGES_CAPABILITY_COMMAND-LINE_VALUE=pages\n"
+                  "ORCA_PAGES_CAPABILITY_HELP-STRING_VALUE=other\nORCA_PAGES_IN_TEXT-FILE_PATH=/proc/vmstat\n"
+                  "ORCA_PAGES_IN_TEXT-FILE_FIELD=pswpin 1\n",
+              {"--feature", "pages"},
+              0,
+              unknown,
+              "IN,pages,SYSTEM,\"\",1000\r\n" + out},
+         }) {
+        SCOPED_TRACE(c.config);
+        writeFile("own.cfg", c.config);
+        std::vector<std::string> arguments = {"--hardware-config", "own.cfg",    "--quiet", "--save",
+                                              "made.twc",          "--overwrite"};
+        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+        const ProgramResult result = run(arguments);
+        EXPECT_EQ(c.exitCode, result.exitCode) << result.errors;
+        EXPECT_EQ(c.errors, result.errors.substr(0, result.errors.rfind("tarnwell: ")));
+        if (c.exitCode != 0) {
+            continue;
+        }
+        std::istringstream lines(runProgram(m_scratch, {"export", "--csv", "made.twc"}).output);
+        std::string readings;
+        std::string line;
+        for (std::getline(lines, line); std::getline(lines, line);) {
+            readings += line.substr(line.find(',', line.find(',') + 1) + 1) + "\n";
+        }
+        EXPECT_EQ(c.readings, readings);
+    }
+    const std::string info = runProgram(m_scratch, {"info", "made.twc"}).output;
+    EXPECT_THAT(info, HasSubstr("0x2c01")) << "the endpoints are recorded";
+    EXPECT_EQ(2, run({"--endpoints", "telem"}).exitCode);
 }
 
 TEST_F(Features, messagesRunAtTheirMoments) {
