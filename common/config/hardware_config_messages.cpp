@@ -17,7 +17,7 @@ constexpr std::array<std::string_view, 6> TRIGGER_WORDS = {"INIT", "BEGIN", "POL
 constexpr std::string_view TRACEPOINT = "TRACEPOINT";
 constexpr std::string_view NOTIFIER = "NOTIFIER";
 
-// Groups of groups and sources of groups multiply: few lines could ask for more than any memory holds.
+// Sources of large groups multiply: few lines could ask for more than any memory holds.
 constexpr std::size_t MAX_COPIED = 250000;
 
 bool isTriggerWord(std::string_view word) {

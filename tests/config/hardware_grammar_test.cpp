@@ -138,13 +138,19 @@ TEST_F(HardwareConfigTest, namesWhatIsWrongInAMessageStatement) {
     }
 }
 
-TEST_F(HardwareConfigTest, refusesGroupsThatMultiplyWithoutEnd) {
-    std::string text = std::string(CAP) + "ALL_C_G0_FILE_K=1";
-    for (int i = 1; i <= 16; ++i) {
-        const std::string inner = "G" + std::to_string(i - 1);
-        text += "\nALL_C_G" + std::to_string(i) + "_MSG_GROUP=" + inner + "," + inner;
+TEST_F(HardwareConfigTest, refusesToMultiplyWithoutEnd) {
+    std::string text = CAP;
+    std::string members;
+    for (int i = 0; i < 1000; ++i) {
+        const std::string name = "M" + std::to_string(i);
+        text += "ALL_C_" + name + "_FILE_K=1\n";
+        members += name + ",";
     }
-    bad(text, "", "groups and sources copy more than 250000 keys and operations in all (rule msgGroupList)");
+    text += "ALL_C_G_MSG_GROUP=" + members;
+    for (int i = 0; i < 125; ++i) {
+        text += "\nALL_C_S" + std::to_string(i) + "_MSG_SOURCE=G";
+    }
+    bad(text, "", "groups and sources copy more than 250000 keys and operations in all (rule msgSourceRule)");
 }
 
 TEST_F(HardwareConfigTest, reportsAllErrorsOfAllFilesAndTheChainOfRules) {
