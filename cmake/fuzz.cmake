@@ -16,3 +16,7 @@ endforeach()
 file(GLOB saved_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/common/saved/*.cpp)
 set_property(SOURCE ${saved_sources} APPEND PROPERTY
              COMPILE_DEFINITIONS FUZZING_BUILD_MODE_UNSAFE_FOR_PRODUCTION)
+
+# Plug-ins export nothing but themselves, so their parts are built in.
+target_sources(fuzz_trace_pages PRIVATE ${PROJECT_SOURCE_DIR}/plugins/collectors/tracefs/event_format.cpp
+                                        ${PROJECT_SOURCE_DIR}/plugins/collectors/tracefs/page_decoder.cpp)

@@ -31,7 +31,7 @@ namespace tw_driver_msg_flag {
 inline constexpr pw_u8_t TEXT = 0x01;    ///< at least one value is a text
 inline constexpr pw_u8_t RESET = 0x02;   ///< the sources were reset before this reading
 inline constexpr pw_u8_t WRAPPED = 0x04; ///< a counter ran through its end since the last reading
-inline constexpr pw_u8_t GAP = 0x08;     ///< readings before this one are missing
+inline constexpr pw_u8_t GAP = 0x08;     ///< readings of the same instances before this one are missing
 inline constexpr pw_u8_t END = 0x10;     ///< the last reading of the collection
 } // namespace tw_driver_msg_flag
 

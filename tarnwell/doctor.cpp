@@ -60,7 +60,7 @@ std::string doctorReport(const FeatureList& features, const PluginSet& plugins) 
             continue;
         }
         text += "  " + padded(feature.name, width) + "  " + (feature.isAvailable ? "yes" : "no ") + "  " +
-                feature.description + "\n";
+                feature.description + (feature.isOnRequest ? " (only with --feature)" : "") + "\n";
         if (!feature.isAvailable) {
             const std::string indent(width + 9, ' ');
             text += indent + "why: " + feature.reason + "\n";

@@ -23,6 +23,7 @@ struct Feature {
     std::string fix;       ///< what would mend it; may be empty
     bool isHidden = false; ///< not listed, and collected only when it is asked for
     std::set<std::string> groups;
+    bool isOnRequest = false; ///< listed, and collected only when it is asked for: it records every event
 };
 
 /// The features of the hardware description, and those that collectors bring along themselves, in order of first

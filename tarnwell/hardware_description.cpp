@@ -20,9 +20,16 @@ using State = MessageAvailability::State;
 
 constexpr std::array<const char*, 5> kMoments = {"INIT", "BEGIN", "POLL", "END", "FINI"};
 
+/// Whether nothing but events carries a message out.
+bool isTraced(const pwr::InputMsg& message) {
+    return !message.getTracepointNames().empty() &&
+           std::none_of(kMoments.begin(), kMoments.end(),
+                        [&](const char* moment) { return message.getTriggers().count(moment) != 0; });
+}
+
 /// When a message is carried out, or what makes its source record by itself.
-bool hasMoment(const pwr::InputMsg& message) {
-    return !message.getTracepointNames().empty() ||
+bool hasMoment(const pwr::InputMsg& message, const CollectorPlugin& collector) {
+    return (!message.getTracepointNames().empty() && collector.recordsByItself()) ||
            std::any_of(kMoments.begin(), kMoments.end(),
                        [&](const char* moment) { return message.getTriggers().count(moment) != 0; });
 }
@@ -149,11 +156,12 @@ int HardwareDescription::probe_i(OfferedMessage& offered, const PluginSet& plugi
         availability.state = State::NOT_HERE; // nothing to carry out: the parser has warned of it
     } else if (offered.collector == nullptr) {
         availability = plugins.whyNotServed(type);
-    } else if (!hasMoment(message)) {
+    } else if (!hasMoment(message, *offered.collector)) {
         availability = {State::ABSENT,
                         "message " + message.getName() + ": nothing carries it out at its triggers (" +
                             joined(message.getTriggers()) + ")",
-                        "use INIT, BEGIN, POLL, END, FINI or TRACEPOINT=NAME"};
+                        offered.collector->recordsByItself() ? "use TRACEPOINT=NAME"
+                                                             : "use INIT, BEGIN, POLL, END or FINI"};
     } else if (!unsavable.empty()) {
         availability = {State::ABSENT, "message " + message.getName() + ": " + unsavable.front(),
                         "make several messages of it"};
@@ -208,6 +216,9 @@ std::vector<Feature> HardwareDescription::features(const CollectorPlugin* only) 
         feature.description = offered.capability.getDescription();
         feature.isHidden = offered.capability.isHidden();
         feature.groups.insert(offered.capability.getGroups().begin(), offered.capability.getGroups().end());
+        feature.isOnRequest =
+            std::all_of(messages.begin(), messages.end(),
+                        [](const OfferedMessage* message) { return isTraced(*message->message); });
         if (!feature.isAvailable) {
             explain(messages, feature);
         }

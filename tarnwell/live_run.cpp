@@ -106,7 +106,7 @@ private:
             }
         }
         for (const Feature& feature : features.all()) {
-            if (!m_settings.features.empty() || feature.isHidden) {
+            if (!m_settings.features.empty() || feature.isHidden || feature.isOnRequest) {
                 continue;
             }
             if (feature.isAvailable) {

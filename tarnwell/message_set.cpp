@@ -21,6 +21,7 @@ namespace {
 constexpr unsigned kHighestId = 255;
 
 constexpr const char* kWidth = "WIDTH";
+constexpr const char* kStates = "STATES";
 
 /// The counter's width stands with the operations, where the collector needs it; the metric needs it as well.
 std::string widthOf(const pwr::MsgMetadata& message) {
@@ -182,7 +183,26 @@ void MessageSet::open_i(CollectorPlugin* collector, const pwr::MsgMetadata& meta
         return;
     }
     m_reader.add(opened);
+    nameStates_i(metadata, message->instances.states);
     m_messages.push_back(std::move(message));
+}
+
+/// What the machine calls its states goes into the metric's record, and with that into saved files.
+void MessageSet::nameStates_i(const pwr::MsgMetadata& message, const std::string& states) {
+    if (states.empty()) {
+        return;
+    }
+    for (std::unique_ptr<pwr::Metadata>& declaration : m_declarations) {
+        const auto* metric = dynamic_cast<const pwr::MetricMetadata*>(declaration.get());
+        if (metric != nullptr && metric->getMetricID() == message.getMetricID()) {
+            pwr::MetricMetadata::ValueList values = metric->getValues();
+            std::erase_if(values, [](const auto& value) { return value.first == kStates; });
+            values.emplace_back(kStates, states);
+            declaration = std::make_unique<pwr::MetricMetadata>(message.getPluginID(), message.getMetricID(),
+                                                                std::move(values));
+            return;
+        }
+    }
 }
 
 std::vector<const pwr::Metadata*> MessageSet::declarations() const {
@@ -243,6 +263,11 @@ void MessageSet::close() {
     for (const OpenMessage& message : m_reader.messages()) {
         if (message.written == nullptr) {
             message.collector->close(*message.metadata);
+        }
+    }
+    for (const std::unique_ptr<Message>& message : m_messages) {
+        for (std::string& note : message->collector->takeNotes()) {
+            m_notes.push_back(std::move(note));
         }
     }
 }

@@ -66,6 +66,8 @@ public:
     std::vector<std::string> failures() const;
     bool isEmpty() const { return m_messages.empty(); }
     const std::vector<std::string>& problems() const { return m_problems; }
+    /// What the collectors had to say when they were closed.
+    const std::vector<std::string>& notes() const { return m_notes; }
     /// Why a chosen feature has no message at all; null when it has one.
     const OpenFailure* failureOf(const std::string& feature) const;
 
@@ -88,6 +90,7 @@ private:
     int adopt_i(CollectorPlugin* collector, std::vector<Declared> declared, bool isLive);
     void open_i(CollectorPlugin* collector, const pwr::MsgMetadata& metadata, const pwr::InputMsg* input,
                 bool isLive);
+    void nameStates_i(const pwr::MsgMetadata& message, const std::string& states);
     void noteUnserved_i(const HardwareDescription& description, const std::set<std::string>& features);
 
     std::vector<std::unique_ptr<pwr::Metadata>> m_declarations;
@@ -95,6 +98,7 @@ private:
     MessageReader m_reader;
     std::vector<OpenFailure> m_failures;
     std::vector<std::string> m_problems;
+    std::vector<std::string> m_notes;
     unsigned m_collectorCount = 0;
     unsigned m_metricCount = 0;
     unsigned m_messageCount = 0;

@@ -37,6 +37,7 @@ std::vector<std::string> reportNotes(const CollectionOutcome& outcome, const Mes
         notes.push_back("Values that could not be read: " + std::to_string(messages.missingValues()) +
                         " of " + std::to_string(messages.missingValues() + messages.producedValues()));
     }
+    notes.insert(notes.end(), messages.notes().begin(), messages.notes().end());
     for (const std::string& failure : messages.failures()) {
         notes.push_back("Missing: " + failure);
     }

@@ -24,6 +24,9 @@ struct MessageInstances {
     std::vector<Instance> instances;
     std::string reason;
     std::string fix;
+    /// The values that there can be on this machine with their names, as the key STATES of a metric has them; "" when
+    /// the collector does not know. They take the place of what the description says.
+    std::string states;
 };
 
 /// One reading of a message: the header, and a value (or none) for each instance.

@@ -24,7 +24,15 @@ int CollectorPlugin::drain(const pwr::MsgMetadata& /*message*/, std::uint64_t /*
     return 0;
 }
 
+bool CollectorPlugin::recordsByItself() const {
+    return false;
+}
+
 void CollectorPlugin::close(const pwr::MsgMetadata& /*message*/) {}
+
+std::vector<std::string> CollectorPlugin::takeNotes() {
+    return {};
+}
 
 pwr::TWClockSource* CollectorPlugin::getClockSource() const {
     return nullptr;

@@ -59,8 +59,14 @@ public:
     virtual int drain(const pwr::MsgMetadata& message, std::uint64_t untilTick,
                       std::vector<CollectionData>& out);
 
+    /// Whether drain() gives anything: messages that are carried out at tracepoints need it. The base says no.
+    virtual bool recordsByItself() const;
+
     /// Releases what open() took.
     virtual void close(const pwr::MsgMetadata& message);
+
+    /// Sentences that the user should read with the results of what was closed; each is given once. The base has none.
+    virtual std::vector<std::string> takeNotes();
 
     /// The clock that stamps the samples; null means the default clock. Not owned by the caller.
     virtual pwr::TWClockSource* getClockSource() const;

@@ -16,7 +16,7 @@
 #include <vector>
 
 /// Raised whenever a plug-in built against the headers of before could no longer work.
-inline constexpr std::uint32_t KR_PLUGIN_INTERFACE_VERSION = 2;
+inline constexpr std::uint32_t KR_PLUGIN_INTERFACE_VERSION = 3;
 
 /// What a module holds. Persistent: never renumber.
 inline constexpr std::uint32_t KR_PLUGIN_COLLECTOR = 1;

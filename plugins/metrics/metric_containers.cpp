@@ -38,10 +38,11 @@ Data stateValue(const std::string& text, DataType type) {
 }
 
 void setStates(const MetricDeclaration& declaration, Metric& metric) {
+    const bool isNamed = !stateNames(declaration).empty();
     std::vector<const DataDescriptor*> states;
     for (const auto& [value, name] : declaration.states) {
-        states.push_back(
-            DataDescriptorBuilder(name).setValue(stateValue(value, declaration.valueType)).build());
+        const Data shown = isNamed ? Data(name) : stateValue(value, declaration.valueType);
+        states.push_back(DataDescriptorBuilder(name).setValue(shown).build());
     }
     if (!states.empty()) {
         metric.setFiniteSetValues(states);
@@ -57,6 +58,7 @@ struct NoteRow {
 constexpr std::array NOTES{
     NoteRow{&MetricContainer::missing, "Values that could not be read", "their time is left out"},
     NoteRow{&MetricContainer::gaps, "Readings after a gap", "the time before them is left out"},
+    NoteRow{&MetricContainer::lossy, "Times that events were lost", "they are missing here"},
     NoteRow{&MetricContainer::reset, "Counters that fell back", "what they counted meanwhile is left out"},
     NoteRow{&MetricContainer::cut, "States that held more time than had passed", "the excess is left out"},
     NoteRow{&MetricContainer::back, "Counters that went back a little", "they count on from where they were"},
@@ -77,6 +79,18 @@ void addNotes(MetricContainer& container) {
 }
 
 } // namespace
+
+StateNames stateNames(const MetricDeclaration& declaration) {
+    StateNames names;
+    if (declaration.type == Metric::MetricType::TracedValueTransition && declaration.isRaw) {
+        for (const auto& [value, name] : declaration.states) {
+            std::uint64_t number = 0;
+            std::from_chars(value.data(), value.data() + value.size(), number);
+            names.emplace(number, Data(name));
+        }
+    }
+    return names;
+}
 
 MetricContainer* MetricContainers::containerOf(const DeclaredMessage& message, const SystemMetadata& system) {
     const MetricDeclaration& declaration = *message.metric;

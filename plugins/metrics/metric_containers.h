@@ -20,10 +20,17 @@ struct MetricContainer {
     std::uint64_t reset = 0;        ///< counters that fell back
     std::uint64_t wrapped = 0;      ///< counters that ran through their end
     std::uint64_t gaps = 0;         ///< readings that follow others which are not there
+    std::uint64_t lossy = 0;        ///< times that events were lost
     std::uint64_t cut = 0;          ///< states that held more than their interval
     std::uint64_t back = 0;         ///< counters that went back a little
     std::vector<std::string> notes; ///< further notes, ready to print
 };
+
+/// What the states of a trace are called, as values of the metric.
+using StateNames = std::map<std::uint64_t, Data>;
+
+/// Of a trace of whole numbers whose metric names its states; else empty. Its values are the names.
+StateNames stateNames(const MetricDeclaration& declaration);
 
 /// The containers of one metric plug-in, one per feature and container tag.
 class MetricContainers {

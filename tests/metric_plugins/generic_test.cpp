@@ -206,7 +206,37 @@ TEST_F(GenericMetricTest, textsAreTracedWhenTheyChange) {
         reading.addText(text);
         process(reading);
     }
-    EXPECT_EQ("governor | fast | 1; governor | slow | 2", finish(1000 + 5 * SECOND, "Counts"));
+    EXPECT_EQ("governor | fast | 1; governor | slow | 2 [The states are known for 80.00 % of the time: not "
+              "before the "
+              "first event, and not where events were lost]",
+              finish(1000 + 5 * SECOND, "Counts"));
+}
+
+TEST_F(GenericMetricTest, whatLiesInAGapBelongsToNoState) {
+    declare({{"METRIC-TYPE", "TracedValueTransition"}, {"SOURCE", "LEVEL"}, {"STATES", "7=on,0=off"}},
+            {"left", "right", "silent"});
+    const auto change = [this](std::uint64_t seconds, pw_u16_t instance, std::uint64_t value, pw_u8_t flags) {
+        CollectionData reading;
+        reading.header().timestamp = 1000 + seconds * SECOND;
+        reading.header().id = {1, 1, 1};
+        reading.header().flags = flags;
+        reading.header().first_instance = instance;
+        reading.add(value);
+        process(reading);
+    };
+    m_system.stopTSC = 1000 + 10 * SECOND;
+    change(0, 0, 7, 0);
+    change(0, 1, 7, 0);
+    change(1, 0, 0, 0);                       // on for a second
+    change(2, 0, 0, 0);                       // off for a second at least
+    change(6, 0, 7, tw_driver_msg_flag::GAP); // nobody knows of the other four
+    change(6, 1, 0, 0);                       // and this one was on all the time
+    EXPECT_EQ("left | on | 83.33; left | off | 16.67; right | on | 60.00; right | off | 40.00 [Times that "
+              "events were lost: 1 (they are missing here)] "
+              "[The states are known for 53.33 % of the time: not before the first event, and not where "
+              "events were "
+              "lost; without any event: 1 of 3]",
+              finish(1000 + 10 * SECOND, "(Percentage)"));
 }
 
 TEST_F(GenericMetricTest, badDeclarationsSayTheKeyAndWhatIsExpected) {

@@ -16,7 +16,8 @@ constexpr std::size_t PREFETCH_ROWS = 4;
 
 MessageComputer::MessageComputer(const DeclaredMessage& message, MetricContainer& container,
                                  const SystemMetadata& system)
-    : m_message(message), m_metric(*message.metric), m_container(container), m_system(system) {
+    : m_message(message), m_metric(*message.metric), m_container(container), m_system(system),
+      m_states(stateNames(m_metric)) {
     update();
 }
 
@@ -34,13 +35,13 @@ void MessageComputer::update() {
                           .ticks = TicksOfCounter(m_metric.scale, m_system.twaClockFreq)});
     }
     m_isLeftOut.resize(m_entities.size());
+    m_known.resize(m_rows.size());
 }
 
 void MessageComputer::process(const CollectionData& reading) {
     const tw_driver_msg& header = reading.header();
     if ((header.flags & (tw_driver_msg_flag::RESET | tw_driver_msg_flag::GAP)) != 0) {
-        std::for_each(m_rows.begin(), m_rows.end(), [this](Row& row) { forget_i(row); });
-        ++m_container.gaps;
+        beginAnew_i(header);
     }
     m_pending.clear();
     std::fill(m_isLeftOut.begin(), m_isLeftOut.end(), false);
@@ -55,6 +56,16 @@ void MessageComputer::process(const CollectionData& reading) {
         }
     }
     flushResidency_i(header.timestamp);
+}
+
+/// Of the instances of this reading, readings before it are missing.
+void MessageComputer::beginAnew_i(const tw_driver_msg& header) {
+    const std::size_t end =
+        std::min<std::size_t>(m_rows.size(), header.first_instance + std::size_t{header.count});
+    for (std::size_t i = header.first_instance; i < end; ++i) {
+        forget_i(m_rows[i]);
+    }
+    ++(m_metric.type >= Metric::MetricType::TracedValueTransition ? m_container.lossy : m_container.gaps);
 }
 
 void MessageComputer::processRow_i(std::size_t index, const CollectionData& reading, std::size_t at) {
@@ -73,6 +84,8 @@ void MessageComputer::processRow_i(std::size_t index, const CollectionData& read
     }
     if (m_metric.source == MetricDeclaration::Source::COUNTER) {
         processCounter_i(index, reading.getBits(at), tick);
+    } else if (m_metric.type == Metric::MetricType::TracedValueTransition) {
+        processTransition_i(index, reading, at);
     } else {
         processLevel_i(row, reading, at, tick);
     }
@@ -109,11 +122,9 @@ void MessageComputer::addDifference_i(std::size_t index, std::uint64_t differenc
 
 void MessageComputer::processLevel_i(Row& row, const CollectionData& reading, std::size_t at,
                                      std::uint64_t tick) {
-    const bool isTraced = m_metric.type >= Metric::MetricType::TracedValueTransition;
+    const bool isEvent = m_metric.type == Metric::MetricType::TracedEvent;
     const std::uint64_t duration = row.hasLast ? tick - row.lastTick : firstDuration_i(row, tick);
-    const bool isNews =
-        m_metric.type != Metric::MetricType::TracedValueTransition || isChange_i(row, reading, at);
-    if ((duration == 0 && !isTraced) || !isNews) {
+    if (duration == 0 && !isEvent) {
         return;
     }
     if (m_metric.type == Metric::MetricType::SampledResidency) {
@@ -121,14 +132,50 @@ void MessageComputer::processLevel_i(Row& row, const CollectionData& reading, st
             {static_cast<std::size_t>(&row - m_rows.data()), row.ticks.next(reading.getBits(at)), duration});
         return;
     }
-    if (m_metric.isRaw) {
+    setValue_i(row, reading, at);
+    m_container.metric->setData(tick, row.element, isEvent ? Metric::NO_DURATION : duration);
+}
+
+/// The state that ends is charged with the time that it is known to have lasted, which ends where a gap begins.
+void MessageComputer::processTransition_i(std::size_t index, const CollectionData& reading, std::size_t at) {
+    Row& row = m_rows[index];
+    const std::uint64_t tick = reading.header().timestamp;
+    const bool isBehindGap = !row.hasLast && m_known.hasBegun(index);
+    const std::uint64_t known = isBehindGap ? m_known.lastStateTicks(index) : Metric::NO_DURATION;
+    if (row.hasLast) {
+        m_known.goOn(index, tick);
+    } else {
+        m_known.begin(index, tick);
+    }
+    if (!isChange_i(row, reading, at)) {
+        return;
+    }
+    m_known.change(index, tick);
+    setValue_i(row, reading, at);
+    m_container.metric->setData(tick, row.element, known);
+}
+
+void MessageComputer::setValue_i(Row& row, const CollectionData& reading, std::size_t at) const {
+    if (!m_states.empty()) {
+        const auto state = m_states.find(reading.getBits(at));
+        row.element.setValue(state == m_states.end() ? Data(std::to_string(reading.getBits(at)))
+                                                     : state->second);
+    } else if (m_metric.isRaw) {
         row.element.setValue(Data(reading.getBits(at)));
     } else if (m_metric.rawType == DataType::STRING) {
         row.element.setValue(Data(std::string(reading.getText(at))));
     } else {
         row.element.setValue(valueOf(reading.getBits(at), m_metric));
     }
-    m_container.metric->setData(tick, row.element, isTraced ? Metric::NO_DURATION : duration);
+}
+
+void MessageComputer::finish(std::uint64_t stopTick) {
+    if (m_metric.type == Metric::MetricType::TracedValueTransition) {
+        const std::string note = m_known.note(m_system.startTSC, stopTick);
+        if (!note.empty()) {
+            m_container.notes.push_back(note);
+        }
+    }
 }
 
 /// How long a level stands for when the reading before is not known.

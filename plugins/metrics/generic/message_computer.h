@@ -8,6 +8,7 @@
 #include "common/plugin/collection_data.h"
 #include "plugins/metrics/counter_difference.h"
 #include "plugins/metrics/declared_messages.h"
+#include "plugins/metrics/generic/known_time.h"
 #include "plugins/metrics/metric_containers.h"
 #include "plugins/metrics/ticks_of_counter.h"
 
@@ -19,6 +20,7 @@ namespace pwr {
 ///   - A level stands for the time since the reading before. The first one after a gap stands for as long
 ///     as the last one did, since nothing is known of the gap itself. A level that is read at the very
 ///     begin stands for no time yet and is left out.
+///   - A transition is a level that is told when it changes. What lies in a gap belongs to no state.
 ///   - A residency hands on all states of an entity or none: one missing state leaves the entity out.
 class MessageComputer {
 public:
@@ -33,7 +35,7 @@ public:
     /// Rows for instances that were appended since.
     void update();
     void process(const CollectionData& reading);
-    void finish(std::uint64_t) {}
+    void finish(std::uint64_t stopTick);
 
 private:
     /// What every reading touches stands together: rows are more than the caches near the processor hold.
@@ -58,6 +60,9 @@ private:
     void processRow_i(std::size_t index, const CollectionData& reading, std::size_t at);
     void processCounter_i(std::size_t index, std::uint64_t bits, std::uint64_t tick);
     void processLevel_i(Row& row, const CollectionData& reading, std::size_t at, std::uint64_t tick);
+    void beginAnew_i(const tw_driver_msg& header);
+    void processTransition_i(std::size_t index, const CollectionData& reading, std::size_t at);
+    void setValue_i(Row& row, const CollectionData& reading, std::size_t at) const;
     void addDifference_i(std::size_t index, std::uint64_t difference, std::uint64_t tick,
                          std::uint64_t duration);
     std::uint64_t firstDuration_i(Row& row, std::uint64_t tick) const;
@@ -73,6 +78,8 @@ private:
     std::vector<const EntityHandle*> m_entities;
     std::vector<bool> m_isLeftOut;  // per entity, in the reading at hand
     std::vector<Pending> m_pending; // residencies of the reading at hand
+    KnownTime m_known;              // of transitions
+    StateNames m_states;            // of transitions whose states have names
 };
 
 } // namespace pwr
