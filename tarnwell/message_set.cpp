@@ -265,8 +265,8 @@ void MessageSet::close() {
             message.collector->close(*message.metadata);
         }
     }
-    for (const std::unique_ptr<Message>& message : m_messages) {
-        for (std::string& note : message->collector->takeNotes()) {
+    for (const OpenMessage& message : m_reader.messages()) {
+        for (std::string& note : message.collector->takeNotes()) {
             m_notes.push_back(std::move(note));
         }
     }
