@@ -16,6 +16,8 @@ public:
     ~RunningProgram();
 
     bool isRunning() const;
+    /// The system's number of the process, for what only one system can do.
+    long number() const;
     /// As the system does when memory or power runs out: without a last word to the program.
     void kill();
 

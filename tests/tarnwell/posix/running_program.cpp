@@ -44,6 +44,10 @@ bool RunningProgram::isRunning() const {
            info.si_pid == 0;
 }
 
+long RunningProgram::number() const {
+    return m_state->pid;
+}
+
 void RunningProgram::kill() {
     if (m_state->pid > 0) {
         ::kill(m_state->pid, SIGKILL);

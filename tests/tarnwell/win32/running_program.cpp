@@ -34,6 +34,10 @@ bool RunningProgram::isRunning() const {
     return m_state->process != nullptr && WaitForSingleObject(m_state->process, 0) == WAIT_TIMEOUT;
 }
 
+long RunningProgram::number() const {
+    return static_cast<long>(GetProcessId(m_state->process));
+}
+
 void RunningProgram::kill() {
     if (m_state->process != nullptr) {
         TerminateProcess(m_state->process, 1);
