@@ -2,6 +2,8 @@
 
 #include "common/metadata/system_metadata.h"
 #include "common/platform/interrupt.h"
+#include "common/plugin/collector_plugin.h"
+#include "common/plugin/logger.h"
 #include "common/tw_clock.h"
 #include "tarnwell/clock_moments.h"
 #include "tarnwell/collection_clock.h"
@@ -29,7 +31,14 @@ constexpr std::uint64_t kAtOnce = 0;
 
 Collection::Collection(const Settings& settings, const CollectionParts& parts)
     : m_settings(settings), m_parts(parts), m_drains(parts.messages.reader().hasRecording()),
-      m_poll(parts.messages.reader(), parts.clock), m_trace(parts.messages.reader(), parts.clock) {}
+      m_poll(parts.messages.reader(), parts.clock), m_trace(parts.messages.reader(), parts.clock) {
+    for (const OpenMessage& message : parts.messages.reader().messages()) {
+        const pwr::TWClockSource* const clock = message.collector->getClockSource();
+        if (clock != nullptr && clock->getUUID() != parts.clock.source().getUUID()) {
+            m_foreignStamps[message.id().message] = clock->getUUID();
+        }
+    }
+}
 
 int Collection::start(std::string& reason) {
     return m_poll.start(m_settings.pollProcessor, reason) == 0 &&
@@ -58,8 +67,10 @@ CollectionOutcome Collection::run(UserCommand& command, ProgressLine& progress) 
     const std::uint64_t stop = plannedStop_i();
     m_plannedSeconds = stop == UINT64_MAX ? 0 : static_cast<double>(stop - begin) / ticksPerSecond;
 
-    readNow_i("BEGIN", m_rounds[0]);
+    // Before the first reads, whose times may have to be converted by it.
     const std::vector<pwr::TWClockSync> moment = m_parts.moments.take();
+    m_foreignClocks.addMoment(moment);
+    readNow_i("BEGIN", m_rounds[0]);
     m_parts.system.clockSyncs.assign(moment.begin(), moment.end());
     m_parts.saving.begin(m_parts.system, moment);
     m_nextMoment = begin + static_cast<std::uint64_t>(kSecondsBetweenMoments * ticksPerSecond);
@@ -177,14 +188,8 @@ void Collection::cancel_i() {
 /// Saves the round, then computes with it, and empties it.
 void Collection::use_i(Round& round) {
     m_order.clear();
-    for (const CollectionData& reading : round.read.records()) {
-        m_order.push_back(&reading);
-    }
-    for (const CollectionData& reading : round.drained.records()) {
-        if (reading.header().timestamp >= m_parts.system.startTSC) {
-            m_order.push_back(&reading);
-        }
-    }
+    takeOver_i(round.read, 0);
+    takeOver_i(round.drained, m_parts.system.startTSC);
     if (round.drained.size() > 0) {
         std::stable_sort(m_order.begin(), m_order.end(), [](const auto* left, const auto* right) {
             return left->header().timestamp < right->header().timestamp;
@@ -201,6 +206,28 @@ void Collection::use_i(Round& round) {
     round.drained.clear();
 }
 
+/// What a source recorded before the begin does not belong to the collection.
+void Collection::takeOver_i(ReadingBatch& batch, std::uint64_t from) {
+    for (CollectionData& reading : batch.records()) {
+        convertTime_i(reading);
+        if (reading.header().timestamp >= from) {
+            m_order.push_back(&reading);
+        }
+    }
+}
+
+/// Everything behind here, the file included, knows one clock.
+void Collection::convertTime_i(CollectionData& reading) {
+    const auto stamp = m_foreignStamps.find(reading.header().id.message);
+    if (stamp != m_foreignStamps.end() &&
+        !m_foreignClocks.convert(stamp->second, reading.header().timestamp)) {
+        pwr::logWarning(
+            "WARNING: message %u is stamped by an unknown clock (%s): its times are not converted!\n",
+            static_cast<unsigned>(stamp->first), stamp->second.c_str());
+        m_foreignStamps.erase(stamp); // told once
+    }
+}
+
 void Collection::noteMoment_i() {
     const std::uint64_t now = m_parts.clock.now();
     if (now < m_nextMoment) {
@@ -208,7 +235,9 @@ void Collection::noteMoment_i() {
     }
     const double ticks = kSecondsBetweenMoments * m_parts.clock.ticksPerSecond();
     m_nextMoment = now + static_cast<std::uint64_t>(ticks);
-    m_parts.saving.note(now, wallClock_i(), m_parts.moments.take());
+    const std::vector<pwr::TWClockSync> moment = m_parts.moments.take();
+    m_foreignClocks.addMoment(moment);
+    m_parts.saving.note(now, wallClock_i(), moment);
 }
 
 void Collection::end_i() {

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "tarnwell/foreign_clocks.h"
 #include "tarnwell/message_reader.h"
 #include "tarnwell/read_worker.h"
 #include "tarnwell/settings.h"
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -76,6 +78,8 @@ private:
     bool collect_i(Round& round);
     void readNow_i(const char* trigger, Round& round);
     void use_i(Round& round);
+    void takeOver_i(ReadingBatch& batch, std::uint64_t from);
+    void convertTime_i(CollectionData& reading);
     void noteMoment_i();
     void end_i();
     void finalize_i();
@@ -93,7 +97,9 @@ private:
     std::uint64_t m_nextMoment = 0;
     Round m_initial; ///< read before the begin
     std::array<Round, 2> m_rounds;
-    std::vector<const CollectionData*> m_order; ///< of a round, by time
+    std::vector<const CollectionData*> m_order;     ///< of a round, by time
+    std::map<pw_u8_t, std::string> m_foreignStamps; ///< messages that another clock stamps: its UUID
+    ForeignClocks m_foreignClocks;
     bool m_drains;
     ReadWorker m_poll;
     ReadWorker m_trace;

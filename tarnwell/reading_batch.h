@@ -32,6 +32,7 @@ struct ReadingBatch {
     /// Takes the last record back: nothing could be read.
     void dropLast() { --m_size; }
     std::span<const CollectionData> records() const { return {m_records.data(), m_size}; }
+    std::span<CollectionData> records() { return {m_records.data(), m_size}; }
     /// For whoever appends to a plain vector of records, behind those that are there.
     std::vector<CollectionData>& open() {
         m_records.resize(m_size);
