@@ -157,6 +157,7 @@ TEST_F(ThreadTest, survivesManySendersAndStops) {
         std::mutex turn; // those who want an answer take turns
         std::vector<std::thread> senders;
         std::atomic<int> wrong{0};
+        senders.reserve(kSenders);
         for (int s = 0; s < kSenders; ++s) {
             senders.emplace_back([&, s] {
                 for (int i = 0; i < kSignals; ++i) {
