@@ -229,6 +229,7 @@ TEST_F(TracefsTest, whatCannotBeTracedHasAReason) {
     };
     for (const Case& c : {
              Case{{"power:cpu_idle"}, {{"FIELD", "state"}}, "available"},
+             {{"power:cpu_idle"}, {{"FEILD", "state"}}, "invalid: .*FEILD.*"},
              {{"power:cpu_idle"}, {}, "invalid: .*FIELD.*a field of the event is needed.*"},
              {{"power:cpu_idle"},
               {{"FIELD", "level"}},

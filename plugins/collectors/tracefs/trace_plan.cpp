@@ -1,6 +1,7 @@
 #include "plugins/collectors/tracefs/trace_plan.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <string_view>
 #include <utility>
@@ -16,6 +17,10 @@ namespace {
 using collectors::ExpandedPath;
 using collectors::keyOf;
 using pwr::MachineStatus;
+
+constexpr std::array<std::string_view, 12> KEYS = {"FIELD",    "CPU-FIELD", "ENTITY", "PATH",
+                                                   "RAW-TYPE", "NAMES",     "STATES", "STATES-FILE",
+                                                   "LEAVING",  "WITNESS",   "WIDTH",  "DESCRIPTOR"};
 
 std::string_view takeItem(std::string_view& list, char separator) {
     constexpr std::string_view BLANKS = " \t";
@@ -237,6 +242,9 @@ private:
 
 TracePlan planTrace(const pwr::MachineFiles& machine, const pwr::MsgMetadata& message) {
     TracePlan plan;
+    if (collectors::checkKeys(message, KEYS, plan.error) != 0) {
+        return plan;
+    }
     const pwr::OperationMetadata* only = nullptr;
     for (const pwr::OperationMetadata* operation : message.getMetaValues()) {
         if (collectors::isConstant(*operation)) {

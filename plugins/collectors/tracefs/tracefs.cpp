@@ -9,6 +9,7 @@
 #include "common/plugin/plugin_loader.h"
 #include "common/tw_clock.h"
 #include "common/values/data.h"
+#include "plugins/collectors/message_keys.h"
 
 namespace tracefs {
 
@@ -83,6 +84,10 @@ MessageAvailability TracefsCollector::probe(const MsgMetadata& message) {
         return {State::ABSENT, "a trace can be replayed from a bundle only", {}};
     }
     return plan.owners.empty() ? MessageAvailability{State::ABSENT, plan.reason, {}} : MessageAvailability();
+}
+
+MessageAvailability TracefsCollector::probeWrite(const MsgMetadata& message) {
+    return collectors::onlyReads(message, COLLECTOR_TYPE);
 }
 
 int TracefsCollector::open(const MsgMetadata& message, MessageInstances& out) {

@@ -30,6 +30,7 @@ public:
     std::vector<std::string> getCollectorTypes() const override;
     bool recordsByItself() const override { return true; }
     MessageAvailability probe(const pwr::MsgMetadata& message) override;
+    MessageAvailability probeWrite(const pwr::MsgMetadata& message) override;
     int open(const pwr::MsgMetadata& message, MessageInstances& out) override;
     /// Nothing is to be read at any moment.
     int read(const pwr::MsgMetadata& message, CollectionData& out) override;
