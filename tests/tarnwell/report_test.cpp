@@ -95,7 +95,7 @@ TEST(Report, ofFilesSavedOnEitherSystemIsTheSame) {
         EXPECT_EQ(0, replay.exitCode) << replay.errors;
         EXPECT_EQ(readFile(fs::path(entry.path()).replace_extension(".report")), replay.output);
     }
-    EXPECT_EQ(2U, count);
+    EXPECT_EQ(3U, count);
 }
 
 TEST(Report, goesToFilesAsItGoesToTheStandardOutput) {
