@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 
 namespace pwr {
 namespace {
@@ -38,11 +39,13 @@ TWThread::~TWThread() {
 }
 
 int TWThread::init() {
-    if (m_state != TWThreadState::NONE || !m_channel->init()) {
+    if (m_state != TWThreadState::NONE) {
         logTaggedWarning(c_debugTag, "WARNING: invalid thread state %u!\n",
                          static_cast<unsigned>(m_state.load()));
         return -1;
     }
+    m_channel->destroy(); // of an earlier try, which the actor left with an exception
+    m_channel->init();
     if (m_actor.init() != 0) {
         m_channel->destroy();
         return -1;
@@ -60,8 +63,8 @@ int TWThread::start() {
     m_state = TWThreadState::RUNNING;
     if (const unsigned error = m_thread.start(run, this); error != 0) {
         m_state = TWThreadState::INITIALISED;
-        logTaggedWarning(c_debugTag, "Thread creation failed.\n: errnum=%u (%s)\n", error,
-                         platform::systemErrorText(error).c_str());
+        logTaggedWarning(c_debugTag, "Thread creation failed.\n: errnum=%s (%u)\n",
+                         platform::systemErrorText(error).c_str(), error);
         return -1;
     }
     if (m_affinity) {
@@ -152,7 +155,8 @@ int TWThread::signal_i(int kind, int sig, std::size_t size, const void* payload,
 
 int TWThread::readResponse(int id) {
     std::vector<char> message;
-    while (m_channel->readResponseMessage(message)) {
+    // What a signal returns that failed is no id: nobody would ever answer it.
+    while (id >= 0 && m_channel->readResponseMessage(message)) {
         const TWThreadMessage response = headerOf(message);
         if ((response.idAndFlag & TWThreadMessage::ID_BITS) == static_cast<pw_u32_t>(id)) {
             return response.signal;
@@ -165,7 +169,14 @@ int TWThread::readResponse(int id) {
 unsigned TWThread::run(void* thread) {
     auto& self = *static_cast<TWThread*>(thread);
     self.m_mayRun.wait();
-    const int code = self.run_i();
+    int code = -1;
+    try {
+        code = self.run_i();
+    } catch (const std::exception& fault) {
+        logError("ERROR: a thread ends, because its actor failed: %s\n", fault.what());
+    } catch (...) {
+        logError("ERROR: a thread ends, because its actor failed!\n");
+    }
     // Whatever ended the loop, nobody may wait for an answer any more.
     self.m_state = TWThreadState::STOPPING;
     self.m_channel->closeResponses();

@@ -35,7 +35,8 @@ public:
     virtual ~TWThreadActor();
 
     /// Carries out a signal; @p payload holds @p size bytes and ends with the call. @p result comes as 0 and goes back
-    /// to the sender. 1 stops the thread after this signal was answered, anything else goes on.
+    /// to the sender. 1 stops the thread after this signal was answered, anything else goes on. An exception is logged
+    /// as an error and ends the thread, without an answer.
     virtual int handleSignal(int sig, std::size_t size, const void* payload, int& result) = 0;
 
     /// The last call before the thread ends because it was killed; the result goes to the killer.
@@ -129,7 +130,8 @@ public:
     /// Frees what is still queued. Nobody may be reading or writing.
     void destroy();
 
-    /// Queue a message: the header and the payload behind it.
+    /// Queue a message: the header and a copy of the payload behind it. Once it was read they no longer need the
+    /// channel.
     bool writeRequestMessage(const TWThreadMessage* message);
     bool writeResponseMessage(const TWThreadMessage* message);
 
@@ -148,7 +150,8 @@ private:
     bool writeResponse_i(const void* message, std::size_t size);
     bool readResponse_i(void* block, std::size_t size);
     template <class ReadBlock>
-    bool readMessage_i(std::vector<char>& message, const char* payloadWarning, const ReadBlock& readBlock);
+    bool readMessage_i(Side* side, std::vector<char>& message, const char* payloadWarning,
+                       const ReadBlock& readBlock);
 
     std::unique_ptr<Side> m_requests;
     std::unique_ptr<Side> m_responses;

@@ -15,6 +15,11 @@ struct Block {
     std::size_t size = 0;
 };
 
+/// The bytes of a message that are queued: no reader takes a payload that is too large, so its header goes alone.
+std::size_t queuedSizeOf(const TWThreadMessage& message) {
+    return sizeof message + (message.size > TWThread::MAX_PAYLOAD ? 0 : message.size);
+}
+
 Block blockOf(const void* bytes, std::size_t size) {
     Block block{std::unique_ptr<char[]>(new char[size]), size};
     std::memcpy(block.bytes.get(), bytes, size);
@@ -59,16 +64,24 @@ public:
         if (size > headerSize) {
             payload = blockOf(static_cast<const char*>(message) + headerSize, size - headerSize);
         }
+        bool isAwaited = false;
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
             m_queue.push(std::move(header));
             if (payload.size > 0) {
                 m_queue.push(std::move(payload));
             }
+            isAwaited = m_event.raise();
         }
-        m_event.set(); // behind the lock: who is woken by it would only wait for the lock
+        // Who has read the message may end the channel. Behind the lock, as who is woken would only wait for it.
+        if (isAwaited) {
+            m_event.wakeOne();
+        }
         return true;
     }
+
+    /// Held while a message is read: its blocks are for one reader.
+    std::mutex& readersTurn() { return m_readersTurn; }
 
     /// The front block; bytes that it does not have are zeros. False when the side was closed and is empty.
     bool read(void* bytes, std::size_t size) {
@@ -116,6 +129,7 @@ private:
     BlockQueue m_queue;
     platform::AutoResetEvent m_event;
     bool m_isClosed = false;
+    std::mutex m_readersTurn;
 };
 
 TWThread::Channel::Channel() = default;
@@ -136,20 +150,20 @@ void TWThread::Channel::destroy() {
 }
 
 bool TWThread::Channel::writeRequestMessage(const TWThreadMessage* message) {
-    return message != nullptr && writeRequest_i(message, sizeof(TWThreadMessage) + message->size);
+    return message != nullptr && writeRequest_i(message, queuedSizeOf(*message));
 }
 
 bool TWThread::Channel::writeResponseMessage(const TWThreadMessage* message) {
-    return message != nullptr && writeResponse_i(message, sizeof(TWThreadMessage) + message->size);
+    return message != nullptr && writeResponse_i(message, queuedSizeOf(*message));
 }
 
 bool TWThread::Channel::readRequestMessage(std::vector<char>& message) {
-    return readMessage_i(message, "WARNING: couldn't read request message payload!\n",
+    return readMessage_i(m_requests.get(), message, "WARNING: couldn't read request message payload!\n",
                          [this](void* block, std::size_t size) { return readRequest_i(block, size); });
 }
 
 bool TWThread::Channel::readResponseMessage(std::vector<char>& message) {
-    return readMessage_i(message, "WARNING: couldn't read response message payload!\n",
+    return readMessage_i(m_responses.get(), message, "WARNING: couldn't read response message payload!\n",
                          [this](void* block, std::size_t size) { return readResponse_i(block, size); });
 }
 
@@ -160,15 +174,18 @@ void TWThread::Channel::closeResponses() {
 }
 
 template <class ReadBlock>
-bool TWThread::Channel::readMessage_i(std::vector<char>& message, const char* payloadWarning,
+bool TWThread::Channel::readMessage_i(Side* side, std::vector<char>& message, const char* payloadWarning,
                                       const ReadBlock& readBlock) {
+    if (side == nullptr) {
+        return false;
+    }
+    const std::lock_guard<std::mutex> turn(side->readersTurn());
     TWThreadMessage header{};
     if (!readBlock(&header, sizeof header)) {
         return false;
     }
     if (header.size > MAX_PAYLOAD) {
         logTaggedWarning(c_debugTag, "WARNING: invalid payload size %u received!\n", header.size);
-        readBlock(nullptr, 0); // or the next reader would take the payload for a header
         return false;
     }
     message.resize(sizeof header + header.size);

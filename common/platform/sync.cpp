@@ -37,9 +37,17 @@ void pauseProcessor() {
 } // namespace
 
 void AutoResetEvent::set() {
-    if (m_state.exchange(IS_SET, std::memory_order_acq_rel) == HAS_SLEEPERS) {
-        wakeOneOnWord(m_state);
+    if (raise()) {
+        wakeOne();
     }
+}
+
+bool AutoResetEvent::raise() {
+    return m_state.exchange(IS_SET, std::memory_order_acq_rel) == HAS_SLEEPERS;
+}
+
+void AutoResetEvent::wakeOne() {
+    wakeOneOnWord(m_state);
 }
 
 void AutoResetEvent::wait() {
@@ -99,11 +107,12 @@ bool AutoResetEvent::sleep_i(std::uint64_t nanoseconds) {
         if (m_state.compare_exchange_strong(state, HAS_SLEEPERS, std::memory_order_acq_rel)) {
             return true;
         }
-        if (left == 0) {
-            return false;
-        }
         if (state == UNSET && !m_state.compare_exchange_strong(state, HAS_SLEEPERS)) {
             continue; // set, or another is about to sleep
+        }
+        // Only now: it may have been woken at the same moment, in vain, and others sleep on.
+        if (left == 0) {
+            return false;
         }
         waitOnWord(m_state, HAS_SLEEPERS, left);
         if (isLimited) {

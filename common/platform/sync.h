@@ -19,6 +19,10 @@ public:
     AutoResetEvent& operator=(const AutoResetEvent&) = delete;
 
     void set();
+    /// set() in two steps, for who sets it with a lock held that guards its life. True when somebody sleeps, whom
+    /// wakeOne() is to wake; that only needs the place where the event was.
+    bool raise();
+    void wakeOne();
     void wait();
     /// False when it was not set for so long. It does not look first: who limits a wait expects a long one.
     bool waitFor(std::uint64_t nanoseconds);

@@ -167,10 +167,10 @@ void logDebug(const char* format, ...) {
 
 namespace {
 
-void logTraceArguments(const char* tag, const char* format, va_list arguments) {
-    Logger* const logger = g_pluginEnvironment->getDebugLogger();
+void logTraceArguments(const char* tag, PWLogLevel level, const char* format, va_list arguments) {
+    Logger* const logger = g_pluginEnvironment->getLogger(level);
     if (logger != nullptr && g_pluginEnvironment->isDebugLoggingEnabledFor(tag)) {
-        logger->log(PWLogLevel::DEBUG, formatText("", format, arguments).c_str());
+        logger->log(level, formatText("", format, arguments).c_str());
     }
 }
 
@@ -179,7 +179,7 @@ void logTraceArguments(const char* tag, const char* format, va_list arguments) {
 void logTrace(const char* tag, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    logTraceArguments(tag, format, arguments);
+    logTraceArguments(tag, PWLogLevel::DEBUG, format, arguments);
     va_end(arguments);
 }
 
@@ -189,7 +189,7 @@ void logTaggedWarning(const char* tag, const char* format, ...) {
     if (isLogEnabled(PWLogLevel::WARNING)) {
         logMessageArguments(PWLogLevel::WARNING, format, arguments);
     } else {
-        logTraceArguments(tag, format, arguments);
+        logTraceArguments(tag, PWLogLevel::WARNING, format, arguments);
     }
     va_end(arguments);
 }

@@ -133,7 +133,7 @@ KRCOMMON_API void logDebug(const char* format, ...) KRCOMMON_PRINTF(1, 2);
 KRCOMMON_API void logTrace(const char* tag, const char* format, ...) KRCOMMON_PRINTF(2, 3);
 
 /// A warning of a subject that can be traced: like logWarning(), and with a verbosity that holds warnings back it is
-/// written as a trace of the tag. May be called on any thread.
+/// written, as a warning, when debug logging is switched on for the tag. May be called on any thread.
 KRCOMMON_API void logTaggedWarning(const char* tag, const char* format, ...) KRCOMMON_PRINTF(2, 3);
 
 /// Like logMessage(), with the level's own prefix and ": " before the text ("ERROR: text").

@@ -4,12 +4,14 @@
 
 #include <atomic>
 #include <cstring>
+#include <stdexcept>
 
 namespace kr_test {
 
-enum Signal : int { ECHO = -1, STOP = 7, SUM = 9, WAIT = 11 };
+enum Signal : int { ECHO = -1, STOP = 7, SUM = 9, WAIT = 11, FAIL = 13 };
 
-/// Answers ECHO with a number that grows, SUM with the sum of the payload's bytes, stops at STOP.
+/// Answers ECHO with a number that grows, SUM with the sum of the payload's bytes, stops at STOP,
+/// throws at FAIL.
 class CountingActor : public pwr::TWThreadActor {
 public:
     int handleSignal(int sig, std::size_t size, const void* payload, int& result) override {
@@ -17,6 +19,8 @@ public:
         result = sig == SUM ? sum_i(static_cast<const unsigned char*>(payload), size) : signals.load();
         if (sig == WAIT) {
             gate.wait();
+        } else if (sig == FAIL) {
+            throw std::runtime_error("no more paper");
         }
         return sig == STOP ? 1 : 2; // only 1 means to stop
     }

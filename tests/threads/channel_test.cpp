@@ -26,7 +26,7 @@ TEST(Channel, deliversWholeMessagesInOrder) {
     for (const auto& [write, read] :
          {Direction{&Channel::writeRequestMessage, &Channel::readRequestMessage},
           Direction{&Channel::writeResponseMessage, &Channel::readResponseMessage}}) {
-        const pwr::LogCapture log;
+        pwr::LogCapture log;
         Channel channel;
         std::vector<char> message;
         const auto first = messageOf(1, 0);
@@ -45,21 +45,27 @@ TEST(Channel, deliversWholeMessagesInOrder) {
                 std::equal(expected.begin(), expected.end(), message.begin() + sizeof(TWThreadMessage)));
         }
         EXPECT_FALSE((channel.*read)(message));
-        EXPECT_EQ("WARNING: invalid payload size 1048577 received!\n", log.text());
+        EXPECT_EQ("WARNING: invalid payload size 1048577 received!\n", log.take());
         ASSERT_TRUE((channel.*read)(message)); // the payload that was refused is not taken for a header
         EXPECT_EQ(2, message.back());
+        const TWThreadMessage boast{0, TWThreadMessage::ORDINARY, 1, UINT32_MAX}; // with nothing behind it
+        EXPECT_TRUE((channel.*write)(&boast));
+        EXPECT_FALSE((channel.*read)(message));
+        EXPECT_EQ("WARNING: invalid payload size 4294967295 received!\n", log.take());
         EXPECT_TRUE((channel.*write)(first.data()));
         channel.destroy();
         EXPECT_FALSE((channel.*write)(first.data()));
     }
 }
 
-/// Each message reaches one of several readers, and none of them sleeps on while there is something to read.
+/// Each message, with its payload, reaches one of several readers, and none of them sleeps on while there is something
+/// to read.
 TEST(Channel, feedsSeveralReaders) {
     constexpr int kMessages = 3000;
     Channel channel;
     ASSERT_TRUE(channel.init());
     std::atomic<int> sum{0};
+    std::atomic<int> torn{0};
     std::vector<std::thread> readers;
     for (int r = 0; r < 3; ++r) {
         readers.emplace_back([&] {
@@ -70,16 +76,18 @@ TEST(Channel, feedsSeveralReaders) {
                     return;
                 }
                 sum += sig;
+                torn += message.size() == sizeof(TWThreadMessage) + 1 && message.back() == 1 ? 0 : 1;
             }
         });
     }
     for (int i = 0; i < kMessages + 3; ++i) {
-        EXPECT_TRUE(channel.writeRequestMessage(messageOf(i < kMessages ? 1 : 0, 0).data()));
+        EXPECT_TRUE(channel.writeRequestMessage(messageOf(i < kMessages ? 1 : 0, 1).data()));
     }
     for (std::thread& reader : readers) {
         reader.join();
     }
     EXPECT_EQ(kMessages, sum);
+    EXPECT_EQ(0, torn);
 }
 
 TEST(AutoResetEvent, limitsAWait) {

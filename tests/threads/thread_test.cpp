@@ -53,8 +53,11 @@ TEST_F(ThreadTest, limitsThePayload) {
     const std::string bytes(TWThread::MAX_PAYLOAD, '\1');
     EXPECT_EQ(0x100000, thread->signal(SUM, bytes.size(), bytes.data(), true, true));
     EXPECT_EQ(0, thread->signal(SUM, 3, nullptr, true, true)); // zeros
-    EXPECT_EQ(-1, thread->signal(SUM, bytes.size() + 1, nullptr, true, true));
+    const int refused = thread->signal(SUM, bytes.size() + 1, nullptr, true, false);
+    EXPECT_EQ(-1, refused);
     EXPECT_EQ("WARNING: invalid payload size 1048577 received!\n", log.take());
+    EXPECT_EQ(-1, thread->readResponse(refused)) << "nothing was asked that could be answered";
+    EXPECT_EQ("WARNING: couldn't read response!\n", log.take());
     EXPECT_EQ(3, thread->signal(SUM, 3, bytes.data(), true, true));
 }
 
@@ -72,6 +75,16 @@ TEST_F(ThreadTest, stopsWhenTheActorAsksForIt) {
     EXPECT_EQ("WARNING: killing a thread that isn't running?!\n", log.take());
     EXPECT_EQ(-1, thread->start());
     EXPECT_EQ("WARNING: invalid thread state 3!\n", log.take());
+}
+
+TEST_F(ThreadTest, endsWhenTheActorFails) {
+    start();
+    EXPECT_EQ(-1, thread->signal(FAIL, true, true));
+    EXPECT_EQ(0, thread->join());
+    EXPECT_TRUE(thread->isDead());
+    EXPECT_EQ("ERROR: a thread ends, because its actor failed: no more paper\n"
+              "WARNING: couldn't read response!\n",
+              log.take());
 }
 
 TEST_F(ThreadTest, warnsWhenItsTagIsTraced) {
