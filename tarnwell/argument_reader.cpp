@@ -37,6 +37,9 @@ ReadArguments ArgumentReader::read(const std::vector<std::string>& arguments) {
             takeWord_i(word);
         }
     }
+    if (m_read.asksForFeatures && !m_read.asksForHelp && m_read.subcommand == nullptr) {
+        enter_i(subcommandOf("doctor"), std::string(kFeature) + " without a name");
+    }
     checkArguments_i();
     return std::move(m_read);
 }
@@ -82,7 +85,7 @@ void ArgumentReader::takeWord_i(const std::string& word) {
     if (m_read.subcommand == nullptr) {
         const Subcommand* const subcommand = findSubcommand(word);
         if (subcommand != nullptr) {
-            enter_i(*subcommand);
+            enter_i(*subcommand, word);
             return;
         }
         std::vector<std::string> names;
@@ -103,14 +106,14 @@ void ArgumentReader::takeWord_i(const std::string& word) {
     fault_i(std::string(m_read.subcommand->name) + " does not expect \"" + word + "\"");
 }
 
-void ArgumentReader::enter_i(const Subcommand& subcommand) {
+void ArgumentReader::enter_i(const Subcommand& subcommand, const std::string& calledAs) {
     m_read.subcommand = &subcommand;
     m_scope = &m_options.of(subcommand);
     for (ReadArguments::Given& given : m_read.given) {
         const std::string name = given.option->text.getName();
         const KnownOption* const own = ProgramOptions::find(*m_scope, name);
         if (own == nullptr) {
-            fault_i(name + " does not go with " + subcommand.name);
+            fault_i(name + " does not go with " + calledAs);
         } else {
             given.option = own;
         }

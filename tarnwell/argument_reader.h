@@ -38,7 +38,7 @@ private:
     void takeOption_i(const std::string& word);
     void takeWord_i(const std::string& word);
     void takeValue_i(const KnownOption& option, const std::string& name);
-    void enter_i(const Subcommand& subcommand);
+    void enter_i(const Subcommand& subcommand, const std::string& calledAs);
     void add_i(const KnownOption& option, const std::string& value);
     void checkArguments_i();
     void fault_i(const std::string& text);

@@ -31,6 +31,7 @@ _tarnwell() {
             break
             ;;
         @valued@)
+            [[ ${COMP_WORDS[i + 1]} != "=" ]] || i=$((i + 1))
             i=$((i + 1))
             ;;
         @subcommands@)

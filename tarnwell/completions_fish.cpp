@@ -15,8 +15,18 @@ function __tarnwell_collects
     not __tarnwell_runs_command; and not __fish_seen_subcommand_from @names@
 end
 
+function __tarnwell_command
+    set -l words (commandline -opc)
+    set -e words[1..(contains -i -- -- $words)]
+    if set -q words[1]
+        complete -C (string join ' ' -- (string escape -- $words) (commandline -ct))
+    else
+        __fish_complete_command
+    end
+end
+
 complete -c tarnwell -f
-complete -c tarnwell -n __tarnwell_runs_command -F
+complete -c tarnwell -n __tarnwell_runs_command -a '(__tarnwell_command)'
 )";
 
 std::string quoted(const std::string& text) {

@@ -57,9 +57,7 @@ std::string contradictionOfCommand(const ReadArguments& read, const Settings& se
         return "--program-delay: there is no program; give one with --program, or behind --";
     }
     if (settings.seconds && settings.commandDelaySeconds >= *settings.seconds) {
-        return read.has("--program-delay")
-                   ? "--program-delay: the collection would be over (--time) before the program starts"
-                   : std::string();
+        return "--program-delay: the collection would be over (--time) before the program starts";
     }
     return {};
 }
@@ -92,9 +90,6 @@ std::string contradiction(const ReadArguments& read, const ProgramOptions& optio
         return contradictionOfSubcommand(read, settings);
     }
     if (!settings.inputFile.empty()) {
-        if (read.asksForFeatures) {
-            return "--feature without a name lists what this machine offers, which --input does not ask";
-        }
         if (std::string useless = uselessWithInput(read, options, settings); !useless.empty()) {
             return useless;
         }

@@ -60,6 +60,8 @@ void addResultForm(Settings& settings, const std::string& form) {
     settings.resultForms.push_back(nameOf(form, "a form of results: text, csv or none"));
 }
 
+constexpr const char* kConfiguration = "a configuration file";
+
 constexpr OptionEffect kEffects[] = {
     {"--help", nullptr, true},
     {"--version", nullptr, true},
@@ -100,12 +102,17 @@ constexpr OptionEffect kEffects[] = {
      [](Settings& s, const std::string& v) { s.saveFile = nameOf(v, "the name of the file to save to"); }},
     {"--no-save", [](Settings& s, const std::string&) { s.saves = false; }},
     {"--overwrite", [](Settings& s, const std::string&) { s.overwrite = true; }},
-    {"--hardware-config", [](Settings& s, const std::string& v) { s.hardwareConfig.push_back(v); }, true},
-    {"--machine", [](Settings& s, const std::string& v) { s.machine = v; }},
+    {"--hardware-config",
+     [](Settings& s, const std::string& v) { s.hardwareConfig.push_back(nameOf(v, kConfiguration)); }, true},
+    {"--machine",
+     [](Settings& s, const std::string& v) { s.machine = nameOf(v, "a root folder or a captured bundle"); }},
     {"--endpoints", setEndpoints},
     {"--poll-processor", [](Settings& s, const std::string& v) { s.pollProcessor = processorOf(v); }},
-    {"--output-config", [](Settings& s, const std::string& v) { s.outputConfig.push_back(v); }, true},
-    {"--add-output-config", [](Settings& s, const std::string& v) { s.moreOutputConfig.push_back(v); }, true},
+    {"--output-config",
+     [](Settings& s, const std::string& v) { s.outputConfig.push_back(nameOf(v, kConfiguration)); }, true},
+    {"--add-output-config",
+     [](Settings& s, const std::string& v) { s.moreOutputConfig.push_back(nameOf(v, kConfiguration)); },
+     true},
 };
 
 } // namespace

@@ -84,9 +84,6 @@ ParsedCommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     }
     const auto& forms = settings.resultForms;
     settings.reports = settings.reports && (forms.empty() || forms.front() != "none");
-    if (read.asksForFeatures && settings.subcommand == nullptr) {
-        settings.subcommand = &subcommandOf("doctor");
-    }
     ParsedCommandLine parsed;
     parsed.settings = std::move(settings);
     return parsed;

@@ -10,7 +10,8 @@ class ChildProcess;
 
 /// Counts the user's requests to stop: Ctrl-C and the system's polite termination.
 /// The first one is counted and wakes waitForEvent; the second one ends the process at once with exit code 130,
-/// so that a program that hangs in its clean-up can still be left.
+/// so that a program that hangs in its clean-up can still be left. On POSIX systems what follows the first within a
+/// tenth of a second is the same request: launchers signal a process and its group.
 KRCOMMON_API int installInterruptHandler();
 
 /// How often the user has asked to stop since the handler was installed.

@@ -5,13 +5,25 @@
 namespace pwr::usage {
 namespace {
 
-/// Where the word at @p at ends. A number and its unit are one.
+// A line end or a tab in a text would break the column.
+constexpr const char* kBlanks = " \t\r\n\v\f";
+
+/// Where the word at @p at ends. A number and its unit, one blank behind it, are one.
 std::size_t endOfWord(const std::string& text, std::size_t at) {
-    std::size_t end = std::min(text.find(' ', at), text.size());
-    if (text.find_first_not_of("0123456789", at) == end && end + 1 < text.size()) {
-        end = std::min(text.find(' ', end + 1), text.size());
+    const std::size_t end = std::min(text.find_first_of(kBlanks, at), text.size());
+    const bool isNumber = text.find_first_not_of("0123456789", at) == end;
+    if (isNumber && end < text.size() && text[end] == ' ' &&
+        text.find_first_not_of(kBlanks, end) == end + 1) {
+        return std::min(text.find_first_of(kBlanks, end + 1), text.size());
     }
     return end;
+}
+
+/// Columns of a word in UTF-8: one for each character.
+std::size_t columnsOf(const std::string& text, std::size_t begin, std::size_t end) {
+    return static_cast<std::size_t>(std::count_if(
+        text.begin() + static_cast<std::ptrdiff_t>(begin), text.begin() + static_cast<std::ptrdiff_t>(end),
+        [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
 }
 
 } // namespace
@@ -19,9 +31,9 @@ std::size_t endOfWord(const std::string& text, std::size_t at) {
 std::string wrapBehind(const std::string& text, std::size_t indent, std::size_t width) {
     std::string lines;
     std::size_t column = 0; // 0: nothing stands behind the blanks yet
-    for (std::size_t at = text.find_first_not_of(' '); at != std::string::npos;) {
+    for (std::size_t at = text.find_first_not_of(kBlanks); at != std::string::npos;) {
         const std::size_t end = endOfWord(text, at);
-        const std::size_t size = end - at;
+        const std::size_t size = columnsOf(text, at, end);
         if (column == 0) {
             column = indent + size;
         } else if (column + 1 + size < width) {
@@ -31,8 +43,8 @@ std::string wrapBehind(const std::string& text, std::size_t indent, std::size_t 
             lines += '\n' + std::string(indent, ' ');
             column = indent + size;
         }
-        lines.append(text, at, size);
-        at = text.find_first_not_of(' ', end);
+        lines.append(text, at, end - at);
+        at = text.find_first_not_of(kBlanks, end);
     }
     return lines + '\n';
 }

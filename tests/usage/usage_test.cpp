@@ -40,6 +40,8 @@ TEST(Option, textIsNamesBesideTheWrappedDescription) {
         {{"--a", "it waits for 100 ms", TabLevel::LEVEL_0},
          31,
          "--a         it waits for\n            100 ms\n"},
+        {{"--a", "1  2\tms\n3 s", TabLevel::LEVEL_0}, 10, "--a\n    1 2\n    ms\n    3 s\n"},
+        {{"--a", "\u00E4\u00E4\u00E4 b", TabLevel::LEVEL_0}, 13, "--a  \u00E4\u00E4\u00E4 b\n"},
         {{"--long-name", "one", TabLevel::LEVEL_0}, 30, "--long-name\n            one\n"},
         {{"sub", "a-word-that-is-too-wide x", TabLevel::LEVEL_2, "<v>", false},
          40,

@@ -15,21 +15,37 @@ namespace {
 
 constexpr int ABORT_EXIT_CODE = 130;
 constexpr std::uint64_t NANOSECONDS_PER_SECOND = 1000000000;
+// Launchers tell the process and then its whole group: that is one request, which comes twice within microseconds.
+constexpr std::uint64_t ONE_REQUEST_NANOSECONDS = 100000000;
 
-std::atomic<unsigned> g_interrupts{0};
+std::atomic<std::uint64_t> g_firstInterrupt{0}; ///< when it came; 0: there was none
 std::atomic<bool> g_isFromTerminal{false};
 // A byte in the pipe outlives the handler, so a signal between the check and the sleep is not lost.
 std::atomic<int> g_wakeWriteEnd{-1};
 int g_wakeReadEnd = -1;
+
+std::uint64_t monotonicNanoseconds() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<std::uint64_t>(now.tv_sec) * NANOSECONDS_PER_SECOND +
+           static_cast<std::uint64_t>(now.tv_nsec);
+}
+
+/// One request to stop is obeyed, a later one aborts.
+void takeInterrupt() {
+    const std::uint64_t now = monotonicNanoseconds();
+    std::uint64_t first = 0; // several threads may be in here at once
+    if (!g_firstInterrupt.compare_exchange_strong(first, now) && now > first + ONE_REQUEST_NANOSECONDS) {
+        _exit(ABORT_EXIT_CODE);
+    }
+}
 
 extern "C" void onSignal(int signal, siginfo_t* info, void* /*context*/) {
     const int savedErrno = errno;
     if (signal != SIGCHLD) {
         // What a process sends has a code of 0 or below, what the terminal sends a positive one.
         g_isFromTerminal = info->si_code > 0;
-        if (g_interrupts.fetch_add(1) > 0) {
-            _exit(ABORT_EXIT_CODE);
-        }
+        takeInterrupt();
     }
     const char byte = 1;
     if (write(g_wakeWriteEnd.load(), &byte, 1) < 0) {
@@ -59,7 +75,7 @@ int installInterruptHandler() {
 }
 
 unsigned interruptCount() {
-    return g_interrupts.load();
+    return g_firstInterrupt.load() == 0 ? 0 : 1;
 }
 
 bool isInterruptFromTerminal() {
