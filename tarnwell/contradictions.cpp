@@ -4,11 +4,13 @@
 #include "tarnwell/settings.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace tarnwell {
 namespace {
 
 constexpr const char* kFeature = "--feature";
+constexpr const char* kLog = "--log";
 constexpr const char* kNone = "none";
 
 struct Pair {
@@ -38,6 +40,27 @@ std::string uselessWithInput(const ReadArguments& read, const ProgramOptions& op
     return settings.command.empty()
                ? std::string()
                : "a command behind --: makes no sense with --input, which collects nothing";
+}
+
+/// The way to a file that may not be there yet; "" when none can be found.
+std::filesystem::path placeOf(const std::string& name) {
+    std::error_code fault;
+    const auto whole = std::filesystem::absolute(name, fault);
+    return fault ? std::filesystem::path() : std::filesystem::weakly_canonical(whole, fault);
+}
+
+/// The log replaces what has its name, and that must not be a collection.
+std::string contradictionOfLog(const ReadArguments& read, const Settings& settings) {
+    const std::filesystem::path place = placeOf(settings.logFile);
+    for (const ReadArguments::Given& given : read.given) {
+        const std::string name = given.option->text.getName();
+        const bool isFile =
+            given.option->text.getAttribute(pwr::usage::Option::Attribute::ARG_TYPE) == "file";
+        if (isFile && name != kLog && !place.empty() && placeOf(given.value) == place) {
+            return "--log " + settings.logFile + " would replace what " + name + " names";
+        }
+    }
+    return {};
 }
 
 std::string contradictionOfResults(const Settings& settings) {
@@ -85,6 +108,9 @@ std::string contradiction(const ReadArguments& read, const ProgramOptions& optio
         if (read.has(pair.one) && read.has(pair.other)) {
             return pair.reason;
         }
+    }
+    if (std::string replaced = contradictionOfLog(read, settings); !replaced.empty()) {
+        return replaced;
     }
     if (read.subcommand != nullptr) {
         return contradictionOfSubcommand(read, settings);

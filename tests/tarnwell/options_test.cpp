@@ -213,6 +213,8 @@ TEST(Options, whatIsWrongOrDoesNotGoTogetherIsNamed) {
         {{"--input", "x", "--program", "y"}, "--program: makes no sense with --input"},
         {{"--input", "x", "--startdelay", "1"}, "--startdelay: makes no sense with --input"},
         {{"--input", "x", "--result", "none"}, "nothing would be left"},
+        {{"--log", "a", "--save", "./a"}, "--log a would replace what --save names"},
+        {{"--log", "a", "verify", "a"}, "--log a would replace what FILE names"},
         {{"export", "a", "--csv", "--jsonl"}, "one of --csv and --jsonl"},
     };
     const ScratchFolder scratch;
