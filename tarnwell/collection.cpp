@@ -115,7 +115,9 @@ void Collection::poll_i(std::uint64_t stop) {
         if (!goesOn) {
             cancel_i();
         }
-        m_outcome.polls += collect_i(*next) ? 1 : 0;
+        const bool isRead = collect_i(*next);
+        m_outcome.polls += isRead ? 1 : 0;
+        goesOn = goesOn && isRead; // an order that nobody cancelled fails with its worker, which has said why
         std::swap(done, next);
     }
     use_i(*done);
