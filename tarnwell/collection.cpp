@@ -25,13 +25,20 @@ namespace {
 constexpr double kMillisecondsPerSecond = 1000.0;
 // Clocks drift apart by some 10 ppm, so that in between a straight line is good to less than a millisecond.
 constexpr double kSecondsBetweenMoments = 60.0;
+// A buffer of 8 MB holds 600 ms of 200,000 of the largest usual events a second.
+constexpr double kSecondsBetweenDrains = 0.05;
 constexpr std::uint64_t kAtOnce = 0;
 
 } // namespace
 
 Collection::Collection(const Settings& settings, const CollectionParts& parts)
-    : m_settings(settings), m_parts(parts), m_drains(parts.messages.reader().hasRecording()),
-      m_poll(parts.messages.reader(), parts.clock), m_trace(parts.messages.reader(), parts.clock) {
+    : m_settings(settings), m_parts(parts),
+      // Told time stands still between the ticks.
+      m_drainSchedule(parts.clock.isRecorded()
+                          ? UINT64_MAX
+                          : static_cast<std::uint64_t>(kSecondsBetweenDrains * parts.clock.ticksPerSecond())),
+      m_drains(parts.messages.reader().hasRecording()), m_poll(parts.messages.reader(), parts.clock),
+      m_trace(parts.messages.reader(), parts.clock) {
     for (const OpenMessage& message : parts.messages.reader().messages()) {
         const pwr::TWClockSource* const clock = message.collector->getClockSource();
         if (clock != nullptr && clock->getUUID() != parts.clock.source().getUUID()) {
@@ -111,7 +118,7 @@ void Collection::poll_i(std::uint64_t stop) {
         use_i(*done);
         m_parts.saving.settle(deadline);
         noteMoment_i();
-        goesOn = goesOn && (isTold || await_i(deadline)) && isPoll;
+        goesOn = goesOn && (isTold || awaitOrder_i(deadline, *next)) && isPoll;
         if (!goesOn) {
             cancel_i();
         }
@@ -152,10 +159,33 @@ std::uint64_t Collection::plannedStop_i() const {
 
 void Collection::order_i(const char* trigger, std::uint64_t at, Round& round) {
     if (m_drains) {
-        // At the tick as well, however long the host is busy: the sources' memory is limited.
-        m_trace.drain(at, std::max(at, m_parts.clock.now()), round.drained);
+        m_drainSchedule.begin(m_parts.clock.now());
+        orderDrain_i(at, round);
     }
     m_poll.read(trigger, at, round.read);
+}
+
+/// At the tick as well, or before it, however long the host is busy: the sources' memory is limited.
+void Collection::orderDrain_i(std::uint64_t at, Round& round) {
+    const std::uint64_t now = m_parts.clock.now();
+    const std::uint64_t next = m_drainSchedule.advance(now, at);
+    m_trace.drain(next, std::max(next, now), round.drained);
+}
+
+/// Waits for the tick of a round that was ordered, and uses what was drained for it meanwhile: all of that is older than
+/// what is read at the tick. False when the collection is to end before.
+bool Collection::awaitOrder_i(std::uint64_t tick, Round& round) {
+    while (m_drains && m_drainSchedule.next() < tick) {
+        if (!await_i(m_drainSchedule.next())) {
+            return false;
+        }
+        m_trace.finish();
+        std::swap(round.drained, m_piece.drained);
+        orderDrain_i(tick, round);
+        use_i(m_piece);
+        m_parts.saving.settle(m_drainSchedule.next());
+    }
+    return await_i(tick);
 }
 
 /// Waits for what was ordered. False when nothing was read, because of a cancel or without an order.
@@ -163,11 +193,12 @@ bool Collection::collect_i(Round& round) {
     const bool isRead = m_poll.finish();
     if (m_drains) {
         m_trace.finish();
-        if (isRead) {
-            // What was recorded while reading belongs in between, and must not come behind a later round.
-            m_trace.drain(kAtOnce, m_parts.clock.now(), round.drained);
-            m_trace.finish();
-        }
+    }
+    m_collectedUntil = m_parts.clock.now();
+    if (m_drains && isRead) {
+        // What was recorded while reading belongs in between, and must not come behind a later round.
+        m_trace.drain(kAtOnce, m_collectedUntil, round.drained);
+        m_trace.finish();
     }
     if (isRead && round.read.begin > m_lastRead) {
         m_outcome.longestIntervalMs =
@@ -244,7 +275,8 @@ void Collection::noteMoment_i() {
 
 void Collection::end_i() {
     pwr::SystemMetadata& system = m_parts.system;
-    system.stopTSC = std::max(m_parts.clock.now(), m_lastRead);
+    // Not later, because what was recorded since is not fetched any more.
+    system.stopTSC = std::max(m_collectedUntil, m_lastRead);
     system.stopTimeval = wallClock_i();
     system.producedSamples = m_parts.messages.producedValues();
 }

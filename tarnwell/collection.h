@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tarnwell/drain_schedule.h"
 #include "tarnwell/foreign_clocks.h"
 #include "tarnwell/message_reader.h"
 #include "tarnwell/read_worker.h"
@@ -51,6 +52,8 @@ struct CollectionParts {
 ///
 /// Two threads of its own read: one the counters, at the ticks, and one drains what sources recorded by themselves. Each
 /// has one of two rounds to fill while the host uses the other, so that neither the file nor the metrics delay a read.
+/// What sources record by themselves is fetched and used many times a second, however long the interval is: their memory
+/// and that of the host stay small.
 class Collection {
 public:
     Collection(const Settings& settings, const CollectionParts& parts);
@@ -74,6 +77,8 @@ private:
     std::uint64_t plannedStop_i() const;
     void poll_i(std::uint64_t stop);
     bool await_i(std::uint64_t tick);
+    bool awaitOrder_i(std::uint64_t tick, Round& round);
+    void orderDrain_i(std::uint64_t at, Round& round);
     void order_i(const char* trigger, std::uint64_t at, Round& round);
     bool collect_i(Round& round);
     void readNow_i(const char* trigger, Round& round);
@@ -94,9 +99,12 @@ private:
     CollectionOutcome m_outcome;
     double m_plannedSeconds = 0; ///< 0: open end
     std::uint64_t m_lastRead = 0;
+    std::uint64_t m_collectedUntil = 0; ///< when the last round was complete
     std::uint64_t m_nextMoment = 0;
     Round m_initial; ///< read before the begin
     std::array<Round, 2> m_rounds;
+    Round m_piece; ///< drained while its round is under way
+    DrainSchedule m_drainSchedule;
     std::vector<const CollectionData*> m_order;     ///< of a round, by time
     std::map<pw_u8_t, std::string> m_foreignStamps; ///< messages that another clock stamps: its UUID
     ForeignClocks m_foreignClocks;

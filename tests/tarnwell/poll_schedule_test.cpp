@@ -1,5 +1,7 @@
 #include "tarnwell/poll_schedule.h"
 
+#include "tarnwell/drain_schedule.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -41,6 +43,25 @@ TEST(PollSchedule, keepsAbsoluteTicksAndCountsWhatPassed) {
         EXPECT_EQ(scheduleCase.steps.back().deadline == scheduleCase.stop,
                   schedule.isStop(scheduleCase.steps.back().deadline));
     }
+}
+
+TEST(DrainSchedule, drainsBetweenTheTicksOfLongIntervals) {
+    const Step steps[] = {
+        {1000, 1050, 2000}, // a step after the begin
+        {1051, 1100, 2000}, // absolute: does not drift
+        {1900, 1900, 2000}, // late: at once, and nothing is made up for
+        {1901, 1950, 2000}, {1951, 2000, 2000}, {2010, 2000, 2000},
+    };
+    tarnwell::DrainSchedule schedule(50);
+    schedule.begin(1000);
+    for (const auto& [now, next, at] : steps) {
+        EXPECT_EQ(next, schedule.advance(now, at));
+        EXPECT_EQ(next, schedule.next());
+    }
+    EXPECT_EQ(0U, schedule.advance(3000, 0)); // a round of now
+    EXPECT_EQ(5000U, schedule.advance(5000, UINT64_MAX));
+    EXPECT_EQ(UINT64_MAX, tarnwell::DrainSchedule(UINT64_MAX).advance(1, UINT64_MAX));
+    EXPECT_EQ(2000U, tarnwell::DrainSchedule(UINT64_MAX).advance(1, 2000)); // only at the ticks
 }
 
 } // namespace
