@@ -54,6 +54,20 @@ int Collection::start(std::string& reason) {
                : 1;
 }
 
+bool Collection::waitUntil(std::uint64_t begin) {
+    ReadingBatch& nobodys = m_piece.drained;
+    while (m_parts.clock.now() < begin && pwr::platform::interruptCount() == 0) {
+        const std::uint64_t now = m_parts.clock.now();
+        if (m_drains) {
+            m_trace.drain(kAtOnce, now, nobodys);
+            m_trace.finish();
+            nobodys.clear();
+        }
+        m_parts.clock.waitUntil(m_drains ? m_drainSchedule.advance(now, begin) : begin, nullptr);
+    }
+    return pwr::platform::interruptCount() == 0;
+}
+
 void Collection::initialize() {
     m_poll.read("INIT", kAtOnce, m_initial.read);
     m_poll.finish();
@@ -223,10 +237,12 @@ void Collection::use_i(Round& round) {
     m_order.clear();
     takeOver_i(round.read, 0);
     takeOver_i(round.drained, m_parts.system.startTSC);
-    if (round.drained.size() > 0) {
-        std::stable_sort(m_order.begin(), m_order.end(), [](const auto* left, const auto* right) {
-            return left->header().timestamp < right->header().timestamp;
-        });
+    const auto isEarlier = [](const CollectionData* left, const CollectionData* right) {
+        return left->header().timestamp < right->header().timestamp;
+    };
+    // The events of one message are in order already.
+    if (round.drained.size() > 0 && !std::is_sorted(m_order.begin(), m_order.end(), isEarlier)) {
+        std::stable_sort(m_order.begin(), m_order.end(), isEarlier);
     }
     m_parts.saving.save(m_order);
     for (const CollectionData* reading : m_order) {

@@ -61,6 +61,10 @@ public:
     /// Makes ready to read. 1 when that is not possible, with the reason.
     int start(std::string& reason);
 
+    /// Lets time pass before the begin. What sources record by themselves meanwhile is nobody's, and must not fill their
+    /// memory. False when the user interrupts.
+    bool waitUntil(std::uint64_t begin);
+
     /// Carries out what is to be done before a collection begins; what it reads counts with the first round.
     void initialize();
     /// Notes the begin in the system record, which the metric containers read with the first sample.

@@ -141,7 +141,7 @@ private:
         }
         pwr::platform::installInterruptHandler();
         announce_i();
-        if (!waitForStart_i()) {
+        if (!waitForStart_i(collection)) {
             return fail(ExitCode::FAILED, "interrupted before the collection began");
         }
         UserCommand command(m_settings.command, m_settings.commandDelaySeconds);
@@ -158,16 +158,13 @@ private:
     }
 
     /// Lets the time pass that was asked for in front of the collection. False when the user did not want to wait.
-    bool waitForStart_i() {
+    bool waitForStart_i(Collection& collection) const {
         const double ticks = m_settings.startDelaySeconds * m_clock.ticksPerSecond();
         const std::uint64_t begin = m_clock.now() + static_cast<std::uint64_t>(std::llround(ticks));
         if (ticks > 0 && !m_settings.quiet && isErrorTerminal()) {
             say("The collection begins in " + seconds(m_settings.startDelaySeconds));
         }
-        while (m_clock.now() < begin && pwr::platform::interruptCount() == 0) {
-            m_clock.waitUntil(begin, nullptr);
-        }
-        return pwr::platform::interruptCount() == 0;
+        return collection.waitUntil(begin);
     }
 
     /// The file gets the same declarations in the same order as the metric plug-ins.
