@@ -52,7 +52,9 @@ TEST_F(TracefsLiveTest, eventsCarryTheDefaultClocksTimeAndNothingIsLeftBehind) {
     g_pluginEnvironment->setDefaultClock(&m_performanceCounter);
     const pid_t dead = deadProcess();
     fs::create_directory(INSTANCES / ("tarnwell-" + std::to_string(dead) + "-0"));
-    fs::create_directory(INSTANCES / "tarnwell-1-kept"); // of a process that lives
+    fs::create_directory(INSTANCES /
+                         ("tarnwell-" + std::to_string(getpid()) + "-0")); // of one with this number
+    fs::create_directory(INSTANCES / "tarnwell-1-kept");                   // of a process that lives
     ASSERT_EQ(0, plugin().open(*m_message, m_instances)) << m_instances.reason;
     EXPECT_EQ(0U, instancesOf(dead));
     EXPECT_EQ(1U, instancesOf(1));

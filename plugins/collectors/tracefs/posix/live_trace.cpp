@@ -58,8 +58,9 @@ std::vector<std::string> namesIn(const std::string& folder) {
     return names;
 }
 
-/// What a process of ours left when it died. One that lives in another namespace looks dead, but the kernel keeps an
-/// instance whose files somebody has open.
+/// What a process of ours left when it died. Processes in containers get the same few numbers again and again, so this
+/// one's number is as good as a dead one's. One that lives in another namespace looks dead, and this one may trace
+/// already, but the kernel keeps an instance whose files somebody has open.
 void removeLeftovers() {
     for (const std::string& name : namesIn(instancesFolder())) {
         pid_t process = 0;
@@ -68,7 +69,7 @@ void removeLeftovers() {
             std::from_chars(begin, name.data() + name.size(), process).ec != std::errc() || process <= 0) {
             continue;
         }
-        if (kill(process, 0) != 0 && errno == ESRCH) {
+        if (process == getpid() || (kill(process, 0) != 0 && errno == ESRCH)) {
             const InstanceHandle left(tracefs_instance_alloc(TRACING_FOLDER, name.c_str()));
             if (left) {
                 tracefs_instance_destroy(left.get());
