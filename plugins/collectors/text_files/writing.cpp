@@ -63,7 +63,8 @@ std::vector<std::string> carryOut(const MachineFiles& machine, const Writing& wr
     for (const Writing::Target& target : writing.targets) {
         const MachineStatus status = machine.write(target.path, target.text);
         if (status == MachineStatus::DENIED) {
-            complaints.push_back(target.path + " may not be written (" + collectors::DENIED_FIX + ")");
+            complaints.push_back(target.path +
+                                 " may not be written (run as root, or let this user write that file)");
         } else if (status != MachineStatus::OK) {
             complaints.push_back(target.path + " does not take \"" +
                                  target.text.substr(0, target.text.size() - 1) + "\" (" + toText(status) +
